@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "notifications/NotificationType.h"
+
+#include <QList>
+#include <QObject>
+
+class AbstractMainForm;
+class NotificationForm;
+
+/// The stack of notices in the lower right corner of the screen. What does not fit waits, unseen,
+/// until there is room.
+class NotificationManager : public QObject {
+    Q_OBJECT
+
+public:
+    static NotificationManager* instance();
+    ~NotificationManager() override;
+
+    /// The window above which the notices stand and whose attention marks follow them. Not owned;
+    /// null when there is none.
+    void setMainForm(AbstractMainForm* mainForm);
+
+    /// Shows a notice, or keeps it waiting when the screen is full. The type is a
+    /// NotificationType; the message is for most types a title. A click on the notice leads to
+    /// the task of this id; empty: nowhere.
+    void show(const QString& message, int type, const QString& taskId);
+
+    /// Whether any notice is on screen or waiting.
+    bool hasNotifications() const;
+    /// Hides the notices on screen, or brings the waiting ones when there are none.
+    void toggle();
+    void hideShown();
+    /// Shows all that wait, whether or not they fit.
+    void showPending();
+    void raiseAll();
+    /// Deletes the notices on screen.
+    void closeAll();
+
+private slots:
+    void hideForm();
+
+private:
+    NotificationManager();
+
+    AbstractMainForm* m_mainForm = nullptr;
+    QList<NotificationForm*> m_shownForms; ///< owned; the first one stands lowest
+    QList<NotificationForm*> m_pendingForms; ///< owned; the oldest one first
+};

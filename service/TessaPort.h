@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "session/Session.h"
+
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QSslError>
+
+class QFile;
+class QImage;
+class QTemporaryFile;
+class QUrlQuery;
+
+/// The one client of the service: every call goes out and every reply comes back here. Requests
+/// are sent and left to come back when they will; nothing is queued, timed out, cancelled or
+/// retried, except that a report is a file on disk until the service has confirmed it.
+class TessaPort : public SessionOwner {
+    Q_OBJECT
+
+public:
+    /// What became of an exchange. The numbers are settled; see error() for those that are told.
+    enum ResultCode {
+        InvalidCredentials = 0,
+        ConnectionError = 1,
+        SiteUnavailable = 2,
+        OtherNetworkError = 3,
+        InvalidUrl = 4,
+        DatabaseUnreachable = 5,
+        UnknownError = 6,
+        ExchangeSucceeded = 7,
+    };
+
+    explicit TessaPort(QObject* parent = nullptr);
+    ~TessaPort() override;
+
+    /// Asks whether the credentials are good. On success the session is theirs and loginOk()
+    /// comes; a refusal comes as error(). A failure of the network comes as neither.
+    void login(const QString& login, const QString& password);
+    /// Asks for all teams and their tasks, and for the details of each task that has none cached.
+    void requestTeamsAndTasks();
+    /// Asks for the newest version of the program; see updateAvailable().
+    void requestVersion();
+    /// Asks for a task's details; nothing is asked for the row of unassigned time.
+    void requestTaskInfo(const QString& taskId);
+    /// Asks to move the chosen task's deadline. A time of 23:59 means no particular time.
+    void requestDeadline(const QDate& date, const QString& message, const QTime& time);
+    /// Asks for the day's booked time. The argument goes out as the task's id unless it is "0".
+    void requestActive(const QString& taskId);
+    /// Chooses team and task; emits teamChanged() when the team is another one.
+    void setCurrentTask(const QString& teamId, const QString& taskId);
+
+    /// Reports a minute with this many active slots, from 0 to 10.
+    void sendActivity(int active);
+    /// Reports a picture of the desktop. A null image is answered by a notice.
+    void sendScreenshot(const QImage& image);
+
+    void openUrl(const QString& url);
+    void openTaskUrl(const QString& taskId);
+    /// See runElevated().
+    int runWinAppAsAdmin(const QString& file, const QString& arguments);
+
+public slots:
+    /// For a button with the property "task_id": opens the page of that task.
+    void openTaskUrl();
+
+signals:
+    void teamChanged(QString teamId);
+    /// The service answered, but refused: one of the codes 0, 4, 5 and 6, whatever call it was.
+    void error(int error);
+    void loginOk();
+    /// The service became reachable or unreachable; see Session::isOnline(). The message says why
+    /// and ends in a blank, or is empty.
+    void onlineChanged(QString message);
+    /// The version file has been read; whether it names a version newer than this one.
+    void updateAvailable(bool isAvailable);
+    /// Details have arrived. An empty record: a request for details failed.
+    void taskInfoUpdated(TaskInfo taskInfo);
+
+private slots:
+    void replyFinished(QNetworkReply* reply);
+    void sslErrorHandler(QNetworkReply* qnr, QList<QSslError> errors);
+    void networkAccessibleChangedHandler(
+        QNetworkAccessManager::NetworkAccessibility networkAccessibility);
+};

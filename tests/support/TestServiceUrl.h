@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+/// Where the service of this test program is; the program's own constant is not linked.
+void setTestServiceUrl(const QString& url);
