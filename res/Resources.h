@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+/// Makes the style sheet, the pictures and the fonts available as ":/qss/main.qss", ":/images/...",
+/// ":/icons/..." and ":/fonts/...". They are linked in with a static library, so nothing of them
+/// exists before this is called. Calling it again does no harm.
+void initResources();
+
+/// Loads the two font resources and makes the regular one the font of the application, at the size
+/// the windows are drawn for. Needs a QApplication and initResources(). If the font can't be
+/// loaded, the log says so and the system's font stays.
+void installFonts();
