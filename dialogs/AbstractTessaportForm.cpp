@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dialogs/AbstractTessaportForm.h"
+
+#include "Panel.h"
+#include "ui_AbstractTessaportForm.h"
+
+#include <QPainter>
+
+AbstractTessaportForm::AbstractTessaportForm(QWidget* parent)
+    : QDialog(parent)
+    , m_ui(std::make_unique<Ui::AbstractTessaportForm>())
+{
+    m_ui->setupUi(this);
+    setAttribute(Qt::WA_TranslucentBackground);
+    setWindowFlags((windowFlags() & Qt::Dialog) | Qt::FramelessWindowHint
+                   | Qt::WindowStaysOnTopHint);
+    installEventFilter(this);
+    setAttribute(Qt::WA_ShowModal);
+    setBackground(QStringLiteral(":/images/main.png"));
+}
+
+AbstractTessaportForm::~AbstractTessaportForm() = default;
+
+void AbstractTessaportForm::setBackground(const QString& resource)
+{
+    m_background = panelImage(resource);
+    update();
+}
+
+bool AbstractTessaportForm::eventFilter(QObject* object, QEvent* event)
+{
+    if (m_movable && object == this) {
+        dragWindow(this, m_lastMousePos, event);
+    }
+    return QDialog::eventFilter(object, event);
+}
+
+void AbstractTessaportForm::paintEvent(QPaintEvent* event)
+{
+    QWidget::paintEvent(event);
+    QPainter painter(this);
+    paintPanel(painter, m_background);
+}

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QDialog>
+#include <QImage>
+#include <QPoint>
+
+#include <memory>
+
+namespace Ui {
+class AbstractTessaportForm;
+}
+
+/// A frameless, translucent dialog on top of all windows that shows a picture as its panel and is
+/// dragged by any place where no child takes the mouse. It is modal unless the subclass says
+/// otherwise.
+class AbstractTessaportForm : public QDialog {
+    Q_OBJECT
+
+public:
+    explicit AbstractTessaportForm(QWidget* parent = nullptr);
+    ~AbstractTessaportForm() override;
+
+protected:
+    /// The picture behind the form, stretched to it: the main window's, until another is set.
+    void setBackground(const QString& resource);
+    QImage background() const { return m_background; }
+    /// Whether the form can be dragged; it can at first.
+    void setMovable(bool movable) { m_movable = movable; }
+
+    /// Lets the form follow a drag. Never consumes an event.
+    bool eventFilter(QObject* object, QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QImage m_background;
+    bool m_movable = true;
+    std::unique_ptr<Ui::AbstractTessaportForm> m_ui;
+    QPoint m_lastMousePos;
+};

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Panel.h"
+
+#include <QApplication>
+#include <QDesktopWidget>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPixmap>
+
+QImage panelImage(const QString& resource)
+{
+    // A pixmap looks for the file of a scaled screen by itself, an image does not.
+    return QPixmap(resource).toImage();
+}
+
+void paintPanel(QPainter& painter, const QImage& panel)
+{
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter.drawImage(QRectF(painter.viewport()), panel, QRectF(panel.rect()));
+}
+
+void dragWindow(QWidget* window, QPoint& lastMousePos, QEvent* event)
+{
+    if (event->type() == QEvent::MouseMove) {
+        const auto mouseEvent = static_cast<QMouseEvent*>(event);
+        if (mouseEvent->buttons() & Qt::LeftButton) {
+            window->move(window->pos() + mouseEvent->globalPos() - lastMousePos);
+            lastMousePos = mouseEvent->globalPos();
+            event->accept();
+        }
+    } else if (event->type() == QEvent::MouseButtonPress) {
+        lastMousePos = static_cast<QMouseEvent*>(event)->globalPos();
+        event->accept();
+    }
+}
+
+void centreOnScreen(QWidget* window)
+{
+    // Asked of the desktop widget, since the window has no screen of its own before it is shown.
+    const QPoint centre = QApplication::desktop()->availableGeometry(window).center();
+    window->move(int(centre.x() - 0.5 * window->width()), int(centre.y() - 0.5 * window->height()));
+}

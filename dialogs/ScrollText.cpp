@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dialogs/ScrollText.h"
+
+#include <QEvent>
+#include <QPainter>
+#include <QtMath>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int tickMilliseconds = 50;
+constexpr int restTicks = 64;
+constexpr int fadeWidth = 15;
+constexpr int widestWithoutFade = 64;
+constexpr qreal textIndent = 2.0;
+
+const QLatin1String colourAtRest("#646464");
+const QLatin1String colourUnderMouse("#000000");
+
+/// An image of that many logical pixels which keeps every pixel of a scaled screen.
+QImage screenImage(const QSize& size, qreal devicePixelRatio)
+{
+    const QSize pixels(qCeil(size.width() * devicePixelRatio),
+                       qCeil(size.height() * devicePixelRatio));
+    QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(devicePixelRatio);
+    return image;
+}
+
+/// Opaque, but for the columns at either edge, whose alpha rises towards the inside.
+void fillFadeMask(QImage& mask, int width)
+{
+    mask.fill(0xff000000u);
+    if (mask.isNull() || width <= widestWithoutFade) {
+        return;
+    }
+    const auto firstLine = reinterpret_cast<QRgb*>(mask.scanLine(0));
+    for (int pixel = 0; pixel < mask.width(); ++pixel) {
+        const int column = qFloor(pixel / mask.devicePixelRatioF());
+        const int step = std::min(column, width - 1 - column) + 1;
+        if (step <= fadeWidth) {
+            firstLine[pixel] = uint(std::max(step, 1)) << 28;
+        }
+    }
+    for (int line = 1; line < mask.height(); ++line) {
+        std::copy_n(firstLine, mask.width(), reinterpret_cast<QRgb*>(mask.scanLine(line)));
+    }
+}
+
+qreal leftFadeOpacity(int offset)
+{
+    if (offset >= 0) {
+        return 1.0;
+    }
+    return offset < -7 ? 0.0 : (offset + 8) * 0.125;
+}
+
+} // namespace
+
+ScrollText::ScrollText(bool hoverColour, QWidget* parent)
+    : QWidget(parent)
+    , m_hoverColour(hoverColour)
+{
+    m_shownText.setTextFormat(Qt::PlainText);
+    setFixedHeight(QFontMetrics(font()).height());
+    setSeparator(QStringLiteral("   ---   "));
+    connect(&m_timer, &QTimer::timeout, this, &ScrollText::timer_timeout);
+    m_timer.setInterval(tickMilliseconds);
+    installEventFilter(this);
+    setTextColour(colourAtRest);
+}
+
+QString ScrollText::text() const
+{
+    return m_text;
+}
+
+void ScrollText::setText(QString text)
+{
+    m_text = text;
+    updateShownText();
+    update();
+}
+
+QString ScrollText::separator() const
+{
+    return m_separator;
+}
+
+void ScrollText::setSeparator(QString separator)
+{
+    m_separator = separator;
+    updateShownText();
+    update();
+}
+
+bool ScrollText::overflows() const
+{
+    return m_textWidth > width() - m_margin;
+}
+
+void ScrollText::updateShownText()
+{
+    m_timer.stop();
+    const QFontMetrics metrics(font());
+    m_textWidth = metrics.horizontalAdvance(m_text);
+    m_scrolling = overflows();
+    if (m_scrolling) {
+        m_offset = -restTicks;
+        m_shownText.setText(m_text + m_separator);
+        if (isVisible()) {
+            m_timer.start();
+        }
+    } else {
+        m_shownText.setText(m_text);
+    }
+    m_shownText.prepare(QTransform(), font());
+    m_shownSize = QSize(metrics.horizontalAdvance(m_shownText.text()), metrics.height());
+}
+
+void ScrollText::timer_timeout()
+{
+    // An empty text has no width to take a remainder by.
+    if (m_shownSize.width() > 0) {
+        m_offset = (m_offset + 1) % m_shownSize.width();
+    }
+    update();
+}
+
+void ScrollText::resizeEvent(QResizeEvent*)
+{
+    m_frame = screenImage(size(), devicePixelRatioF());
+    m_fadeMask = screenImage(size(), devicePixelRatioF());
+    fillFadeMask(m_fadeMask, width());
+    if (overflows() != m_scrolling) {
+        updateShownText();
+    }
+}
+
+void ScrollText::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    if (!m_scrolling) {
+        painter.drawStaticText(m_margin, (height() - m_shownSize.height()) / 2, m_shownText);
+        return;
+    }
+    drawFrame(painter);
+    painter.drawImage(0, 0, m_frame);
+}
+
+void ScrollText::drawFrame(const QPainter& widgetPainter)
+{
+    m_frame.fill(0u);
+    QPainter painter(&m_frame);
+    painter.setPen(widgetPainter.pen());
+    painter.setFont(widgetPainter.font());
+    for (int x = std::min(-m_offset, 0) + m_margin; x < width(); x += m_shownSize.width()) {
+        painter.drawStaticText(QPointF(x + textIndent, 0.0), m_shownText);
+    }
+    painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+    painter.setClipRect(width() - fadeWidth, 0, fadeWidth, height(), Qt::ReplaceClip);
+    painter.drawImage(0, 0, m_fadeMask);
+    painter.setClipRect(0, 0, fadeWidth, height(), Qt::ReplaceClip);
+    painter.setOpacity(leftFadeOpacity(m_offset));
+    painter.drawImage(0, 0, m_fadeMask);
+}
+
+void ScrollText::showEvent(QShowEvent* event)
+{
+    m_timer.start();
+    QWidget::showEvent(event);
+}
+
+void ScrollText::hideEvent(QHideEvent* event)
+{
+    m_timer.stop();
+    QWidget::hideEvent(event);
+}
+
+bool ScrollText::eventFilter(QObject* object, QEvent* event)
+{
+    if (object == this && m_hoverColour) {
+        if (event->type() == QEvent::Enter) {
+            setTextColour(colourUnderMouse);
+        } else if (event->type() == QEvent::Leave) {
+            setTextColour(colourAtRest);
+        }
+    }
+    return QObject::eventFilter(object, event);
+}
+
+void ScrollText::setTextColour(const QColor& colour)
+{
+    QPalette colours = palette();
+    colours.setColor(QPalette::WindowText, colour);
+    setPalette(colours);
+}
