@@ -82,4 +82,57 @@ private slots:
     void sslErrorHandler(QNetworkReply* qnr, QList<QSslError> errors);
     void networkAccessibleChangedHandler(
         QNetworkAccessManager::NetworkAccessibility networkAccessibility);
+
+private:
+    /// Which call a reply answers; it travels in the reply's property "stage".
+    enum Stage {
+        SignIn = 1,
+        Refresh = 2,
+        Version = 3,
+        Report = 4,
+        DeadlineRequest = 5,
+        Details = 6,
+        TimeSync = 7,
+    };
+    struct Endpoint {
+        Stage stage;
+        const char* path; ///< null where the address comes with the report
+        void (TessaPort::*handler)(QNetworkReply*);
+    };
+    static const Endpoint endpoints[7];
+    static QUrl endpointUrl(Stage stage);
+
+    QNetworkReply* get(Stage stage, const QUrlQuery& query);
+    QNetworkReply* post(Stage stage, const QUrl& url, const QByteArray& body);
+
+    void handleLogin(QNetworkReply* reply);
+    void handleTeamsAndTasks(QNetworkReply* reply);
+    void handleUpdate(QNetworkReply* reply);
+    void handleReportReply(QNetworkReply* reply);
+    void handleDeadlineReply(QNetworkReply* reply);
+    void handleTaskInfo(QNetworkReply* reply);
+    void handleTimeSync(QNetworkReply* reply);
+
+    void handleFailure(QNetworkReply* reply);
+    void parseTeamsAndTasks(const QByteArray& data);
+    /// Whether the body is usable; says so by error() when it is not.
+    bool checkReply(const QByteArray& data);
+    void setOnlineByResult(int code);
+
+    /// Puts a record on disk and posts it; posts it from memory when the disk does not take it.
+    void sendReport(const QString& path, const QVariantMap& body);
+    /// A report file that is whole and on disk, closed; null when it could not be written.
+    std::unique_ptr<QTemporaryFile> writeReportFile(const QVariant& apiUrl, const QVariant& body);
+    /// Posts what the file holds; the file on disk stays until the service has confirmed it.
+    void sendReportFile(std::unique_ptr<QFile> file);
+    /// The file name tells what to remove on confirmation; empty for a report that has none.
+    void postReport(const QVariantMap& report, const QString& fileName);
+    /// Deletes a report that is done with, with its picture, and lets the next one go out.
+    void removeReportFile(std::unique_ptr<QFile> file);
+    void sendNextReportFile();
+    void keepReport(QNetworkReply* reply, const QByteArray& data);
+    QString activityDir() const;
+
+    QNetworkAccessManager m_manager;
+    int m_pendingReports = 0; ///< posted and not yet answered
 };

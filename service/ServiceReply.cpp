@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "service/ServiceReply.h"
+
+#include "service/JsonCodec.h"
+
+#include <QTextCodec>
+
+namespace ServiceReply {
+
+namespace {
+
+constexpr QLatin1String dateTimeFormat("yyyy-MM-dd HH:mm:ss");
+
+QVariant parsed(const QByteArray& body)
+{
+    return JsonCodec::parse(QString::fromUtf8(body));
+}
+
+QString text(const QVariantMap& map, const char* key)
+{
+    return map.value(QLatin1String(key)).toString();
+}
+
+QDateTime moment(const QVariantMap& map, const char* key)
+{
+    return QDateTime::fromString(text(map, key), dateTimeFormat);
+}
+
+QVariantList list(const QVariantMap& map, const char* key)
+{
+    return map.value(QLatin1String(key)).toList();
+}
+
+QTime minutes(const QVariantMap& map, const char* key)
+{
+    constexpr qint64 secondsPerDay = 24 * 60 * 60;
+    const qint64 seconds = qint64(text(map, key).toInt()) * 60;
+    return QTime(0, 0).addSecs(int(seconds % secondsPerDay));
+}
+
+Task task(const QVariantMap& map)
+{
+    Task task;
+    task.id = text(map, "id");
+    task.title = text(map, "title");
+    task.deadline = moment(map, "deadline");
+    task.block = text(map, "block");
+    task.lastComment = moment(map, "last_comment");
+    task.importance = map.value(QStringLiteral("importance")).toInt();
+    return task;
+}
+
+Attachment attachment(const QVariantMap& map)
+{
+    return {text(map, "id"), text(map, "filename"), text(map, "filename_orig"), text(map, "size")};
+}
+
+Keyword keyword(const QVariantMap& map)
+{
+    return {text(map, "id"), text(map, "keyword"), text(map, "count"), text(map, "count2")};
+}
+
+TextTask textTask(const QVariantMap& map)
+{
+    TextTask textTask;
+    textTask.id = text(map, "id");
+    textTask.text = text(map, "text");
+    textTask.title = text(map, "title");
+    textTask.minCount = text(map, "min_count");
+    textTask.page = QUrl(text(map, "page"));
+    textTask.task = text(map, "task");
+    for (const QVariant& element : list(map, "keywords"))
+        textTask.keywords.append(keyword(element.toMap()));
+    return textTask;
+}
+
+} // namespace
+
+std::optional<int> refusal(const QByteArray& body)
+{
+    if (body == R"({"status":-1,"err_msg":"Invalid email|pswd|client"})") {
+        qDebug("Invalid email/pswd/client");
+        return 0;
+    }
+    if (body.startsWith(R"({"status":"error")") || body.startsWith(R"({"status":-1)")) {
+        qDebug() << "Unknown error!" << body;
+        return 6;
+    }
+    if (body.startsWith("\t<!DOCTYPE")) {
+        qDebug("Error! Invalid URL!");
+        return 4;
+    }
+    // The service's own spelling; the line for the log has the letter that is missing here.
+    static const QByteArray noDatabase =
+        QTextCodec::codecForName("Windows-1251")
+            ->fromUnicode(QStringLiteral("Не могу соединится с базой данных"));
+    if (body == noDatabase) {
+        qDebug("Не могу соединиться с базой данных");
+        return 5;
+    }
+    return std::nullopt;
+}
+
+int resultCode(QNetworkReply::NetworkError error)
+{
+    switch (error) {
+    case QNetworkReply::HostNotFoundError:
+    case QNetworkReply::UnknownNetworkError:
+        return 1;
+    case QNetworkReply::ProtocolUnknownError:
+        return 2;
+    default:
+        return 3;
+    }
+}
+
+QList<TeamWithTasks> teamsAndTasks(const QByteArray& body)
+{
+    QList<TeamWithTasks> result;
+    for (const QVariant& element : parsed(body).toList()) {
+        const QVariantMap map = element.toMap();
+        TeamWithTasks entry;
+        entry.team = {text(map, "id"), text(map, "name")};
+        if (entry.team.id.isEmpty())
+            continue;
+        for (const QVariant& taskElement : list(map, "tasks"))
+            entry.tasks.append(task(taskElement.toMap()));
+        entry.tasks.append(unassignedTask());
+        result.append(entry);
+    }
+    return result;
+}
+
+Answer answer(const QByteArray& body)
+{
+    const QVariantMap map = parsed(body).toMap();
+    return {text(map, "status") == QLatin1String("ok"), map.value(QStringLiteral("message"))};
+}
+
+TaskInfo taskInfo(const QVariant& message)
+{
+    const QVariantMap map = message.toMap();
+    TaskInfo info;
+    info.id = text(map, "id");
+    info.title = text(map, "title");
+    info.deadline = moment(map, "deadline");
+    info.text = text(map, "text");
+    info.executorName = text(map, "executor_name");
+    info.creatorName = text(map, "creator_name");
+    info.auditorName = text(map, "auditor_name");
+    for (const QVariant& element : list(map, "files"))
+        info.files.append(attachment(element.toMap()));
+    for (const QVariant& element : list(map, "texts"))
+        info.texts.append(textTask(element.toMap()));
+    return info;
+}
+
+DayTotals dayTotals(const QByteArray& body)
+{
+    const QVariantMap map = parsed(body).toMap();
+    return {minutes(map, "today_active"), minutes(map, "today_total"), minutes(map, "today_task")};
+}
+
+} // namespace ServiceReply

@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "service/TessaPort.h"
+
+#include "notifications/NotificationManager.h"
+#include "service/ServiceAddress.h"
+#include "service/ServiceReply.h"
+#include "update/ElevatedStart.h"
+
+#include <QDebug>
+#include <QPushButton>
+
+const TessaPort::Endpoint TessaPort::endpoints[] = {
+    {SignIn, "/api_teams", &TessaPort::handleLogin},
+    {Refresh, "/api_teams_tasks", &TessaPort::handleTeamsAndTasks},
+    {Version, "/monitor/tpmc.version", &TessaPort::handleUpdate},
+    {Report, nullptr, &TessaPort::handleReportReply},
+    {DeadlineRequest, "/api_task_deadline_request", &TessaPort::handleDeadlineReply},
+    {Details, "/api_get_task", &TessaPort::handleTaskInfo},
+    {TimeSync, "/api_get_active", &TessaPort::handleTimeSync},
+};
+
+TessaPort::TessaPort(QObject* parent)
+    : SessionOwner(parent)
+{
+    connect(&m_manager, &QNetworkAccessManager::finished, this, &TessaPort::replyFinished);
+    connect(&m_manager, &QNetworkAccessManager::sslErrors, this, &TessaPort::sslErrorHandler);
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    connect(&m_manager, &QNetworkAccessManager::networkAccessibleChanged, this,
+            &TessaPort::networkAccessibleChangedHandler);
+    QT_WARNING_POP
+}
+
+TessaPort::~TessaPort() = default;
+
+QUrl TessaPort::endpointUrl(Stage stage)
+{
+    for (const Endpoint& endpoint : endpoints) {
+        if (endpoint.stage == stage)
+            return QUrl(ServiceAddress::url(QLatin1String(endpoint.path)), QUrl::TolerantMode);
+    }
+    return QUrl();
+}
+
+QNetworkReply* TessaPort::get(Stage stage, const QUrlQuery& query)
+{
+    QUrl url = endpointUrl(stage);
+    if (!query.isEmpty())
+        url.setQuery(query.query());
+    QNetworkReply* reply = m_manager.get(QNetworkRequest(url));
+    reply->setProperty("stage", stage);
+    return reply;
+}
+
+QNetworkReply* TessaPort::post(Stage stage, const QUrl& url, const QByteArray& body)
+{
+    QNetworkRequest request(url);
+    request.setHeader(QNetworkRequest::ContentTypeHeader,
+                      QByteArrayLiteral("application/x-www-form-urlencoded"));
+    QNetworkReply* reply = m_manager.post(request, body);
+    reply->setProperty("stage", stage);
+    return reply;
+}
+
+void TessaPort::replyFinished(QNetworkReply* reply)
+{
+    int code = ExchangeSucceeded;
+    if (reply->error() == QNetworkReply::NoError) {
+        const int stage = reply->property("stage").toInt();
+        for (const Endpoint& endpoint : endpoints) {
+            if (endpoint.stage == stage)
+                (this->*endpoint.handler)(reply);
+        }
+    } else {
+        code = ServiceReply::resultCode(reply->error());
+        handleFailure(reply);
+    }
+    setOnlineByResult(code);
+    reply->deleteLater();
+}
+
+void TessaPort::handleFailure(QNetworkReply* reply)
+{
+    qDebug() << "Request: " << reply->request().url().toString();
+    qDebug() << "Reply finished:" << reply->error() << " - " << reply->errorString();
+    switch (reply->property("stage").toInt()) {
+    case DeadlineRequest:
+        NotificationManager::instance()->show(
+            QStringLiteral(
+                "Запрос на продление задачи не удалось отправить, повторите попытку позже."),
+            PlainNotification, QString());
+        break;
+    case Details:
+        // On purpose not the property that the request sets: no window is to take this for the
+        // details of its task.
+        emit taskInfoUpdated(session()->taskInfo(reply->property("id").toString()));
+        break;
+    case Report:
+        --m_pendingReports;
+        break;
+    default:
+        break;
+    }
+}
+
+bool TessaPort::checkReply(const QByteArray& data)
+{
+    const std::optional<int> refusal = ServiceReply::refusal(data);
+    if (refusal)
+        emit error(*refusal);
+    return !refusal;
+}
+
+void TessaPort::setOnlineByResult(int code)
+{
+    const bool isOnline = code == ExchangeSucceeded;
+    if (session()->isOnline() == isOnline)
+        return;
+    QString message;
+    if (code == ConnectionError)
+        message = QStringLiteral("Ошибка соединения. ");
+    else if (code == SiteUnavailable)
+        message = QStringLiteral("Сайт недоступен. ");
+    session()->setIsOnline(isOnline);
+    emit onlineChanged(message);
+}
+
+void TessaPort::sslErrorHandler(QNetworkReply* qnr, QList<QSslError>)
+{
+    if (!ServiceAddress::verifiesCertificates())
+        qnr->ignoreSslErrors();
+}
+
+// What is reachable is learned from replies alone.
+void TessaPort::networkAccessibleChangedHandler(QNetworkAccessManager::NetworkAccessibility) { }
+
+void TessaPort::setCurrentTask(const QString& teamId, const QString& taskId)
+{
+    if (teamId != session()->teamID()) {
+        session()->setTeamID(teamId);
+        emit teamChanged(teamId);
+    }
+    session()->setTaskID(taskId);
+}
+
+void TessaPort::openUrl(const QString& url)
+{
+    ServiceAddress::openUrl(url);
+}
+
+void TessaPort::openTaskUrl(const QString& taskId)
+{
+    ServiceAddress::openTaskPage(taskId);
+}
+
+void TessaPort::openTaskUrl()
+{
+    if (const auto* button = qobject_cast<QPushButton*>(sender()))
+        openTaskUrl(button->property("task_id").toString());
+}
+
+int TessaPort::runWinAppAsAdmin(const QString& file, const QString& arguments)
+{
+    return runElevated(file, arguments);
+}
