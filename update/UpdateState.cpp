@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "update/UpdateState.h"
+
+#include "service/JsonCodec.h"
+#include "session/DataDirectory.h"
+
+#include <QSettings>
+
+namespace {
+
+const QLatin1String stateFile("update.json");
+const QLatin1String updateInfoKey("updateInfo");
+const QLatin1String updateAtStartupKey("updateAtStartup");
+const QLatin1String wasUpdatedKey("wasUpdated");
+const QLatin1String forceUpdateKey("forceUpdate");
+const QLatin1String versionKey("version");
+
+} // namespace
+
+UpdateState::UpdateState() = default;
+
+UpdateState::~UpdateState() = default;
+
+UpdateState* UpdateState::instance()
+{
+    static UpdateState state;
+    return &state;
+}
+
+void UpdateState::init(const DataDirectory* directory)
+{
+    m_directory = directory;
+    m_settings = std::make_unique<QSettings>(directory->dataDir().filePath(stateFile),
+                                             QSettings::IniFormat);
+}
+
+QVariantList UpdateState::updateInfo() const { return m_settings->value(updateInfoKey).toList(); }
+
+void UpdateState::setUpdateInfo(const QByteArray& reply)
+{
+    if (reply.isNull())
+        return;
+    const QVariantList entries = JsonCodec::parse(QString::fromUtf8(reply)).toList();
+    m_settings->setValue(updateInfoKey, entries);
+}
+
+QString UpdateState::latestVersion() const
+{
+    const QVariantList entries = updateInfo();
+    for (const QVariant& entry : entries) {
+        const QVariantMap fields = entry.toMap();
+        const auto version = fields.constFind(versionKey);
+        if (version != fields.constEnd())
+            return version->toString();
+    }
+    return QString();
+}
+
+bool UpdateState::updateAtStartup() const
+{
+    return m_settings->value(updateAtStartupKey, false).toBool();
+}
+
+bool UpdateState::wasUpdated() const { return m_settings->value(wasUpdatedKey, false).toBool(); }
+
+void UpdateState::setWasUpdated(bool wasUpdated)
+{
+    m_settings->setValue(wasUpdatedKey, wasUpdated);
+}
+
+bool UpdateState::forceUpdate() const
+{
+    m_settings->sync();
+    return m_settings->value(forceUpdateKey, false).toBool();
+}
+
+void UpdateState::setForceUpdate(bool forceUpdate)
+{
+    m_settings->setValue(forceUpdateKey, forceUpdate);
+}
