@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/WindowSystem.h"
+
+#include <QByteArray>
+#include <QVector>
+#include <QX11Info>
+
+#include <xcb/xcb.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+namespace platform {
+
+namespace {
+
+struct FreeDeleter {
+    void operator()(void* memory) const { std::free(memory); }
+};
+
+xcb_atom_t atom(const QByteArray& name)
+{
+    xcb_connection_t* const connection = QX11Info::connection();
+    const std::unique_ptr<xcb_intern_atom_reply_t, FreeDeleter> reply(xcb_intern_atom_reply(
+        connection, xcb_intern_atom(connection, 1, quint16(name.size()), name.constData()),
+        nullptr));
+    return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
+}
+
+/// The raw content of a window's property; empty when it has none of that type.
+QByteArray property(WId window, xcb_atom_t name, xcb_atom_t type)
+{
+    constexpr quint32 longest = 64 * 1024;
+    xcb_connection_t* const connection = QX11Info::connection();
+    const std::unique_ptr<xcb_get_property_reply_t, FreeDeleter> reply(xcb_get_property_reply(
+        connection, xcb_get_property(connection, 0, xcb_window_t(window), name, type, 0, longest),
+        nullptr));
+    if (!reply)
+        return {};
+    return QByteArray(static_cast<const char*>(xcb_get_property_value(reply.get())),
+                      xcb_get_property_value_length(reply.get()));
+}
+
+QVector<quint32> numbers(WId window, const QByteArray& name, xcb_atom_t type)
+{
+    const QByteArray content = property(window, atom(name), type);
+    QVector<quint32> values(content.size() / int(sizeof(quint32)));
+    std::memcpy(values.data(), content.constData(), size_t(values.size()) * sizeof(quint32));
+    return values;
+}
+
+} // namespace
+
+QList<WId> desktopWindows()
+{
+    QList<WId> windows;
+    if (!QX11Info::connection())
+        return windows;
+    const QVector<quint32> stacked = numbers(
+        QX11Info::appRootWindow(), QByteArrayLiteral("_NET_CLIENT_LIST_STACKING"), XCB_ATOM_WINDOW);
+    for (const quint32 window : stacked)
+        windows.append(window);
+    return windows;
+}
+
+WId activeDesktopWindow()
+{
+    if (!QX11Info::connection())
+        return 0;
+    return numbers(QX11Info::appRootWindow(), QByteArrayLiteral("_NET_ACTIVE_WINDOW"),
+                   XCB_ATOM_WINDOW)
+        .value(0);
+}
+
+QString desktopWindowTitle(WId window)
+{
+    if (!QX11Info::connection())
+        return {};
+    const QByteArray title = property(window, atom(QByteArrayLiteral("_NET_WM_NAME")),
+                                      atom(QByteArrayLiteral("UTF8_STRING")));
+    if (!title.isEmpty())
+        return QString::fromUtf8(title);
+    return QString::fromLatin1(property(window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING));
+}
+
+QRect desktopWindowGeometry(WId window)
+{
+    xcb_connection_t* const connection = QX11Info::connection();
+    if (!connection)
+        return {};
+    const auto id = xcb_window_t(window);
+    const auto sizeCookie = xcb_get_geometry(connection, id);
+    const auto placeCookie =
+        xcb_translate_coordinates(connection, id, QX11Info::appRootWindow(), 0, 0);
+    const std::unique_ptr<xcb_get_geometry_reply_t, FreeDeleter> size(
+        xcb_get_geometry_reply(connection, sizeCookie, nullptr));
+    const std::unique_ptr<xcb_translate_coordinates_reply_t, FreeDeleter> place(
+        xcb_translate_coordinates_reply(connection, placeCookie, nullptr));
+    if (!size || !place)
+        return {};
+
+    const QRect content(place->dst_x, place->dst_y, size->width, size->height);
+    // Left, right, top, bottom; absent where nobody draws a frame.
+    const QVector<quint32> frame =
+        numbers(window, QByteArrayLiteral("_NET_FRAME_EXTENTS"), XCB_ATOM_CARDINAL);
+    if (frame.size() != 4)
+        return content;
+    return content.adjusted(-int(frame[0]), -int(frame[2]), int(frame[1]), int(frame[3]));
+}
+
+} // namespace platform
