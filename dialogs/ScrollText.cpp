@@ -159,11 +159,16 @@ void ScrollText::drawFrame(const QPainter& widgetPainter)
         painter.drawStaticText(QPointF(x + textIndent, 0.0), m_shownText);
     }
     painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
-    painter.setClipRect(width() - fadeWidth, 0, fadeWidth, height(), Qt::ReplaceClip);
-    painter.drawImage(0, 0, m_fadeMask);
-    painter.setClipRect(0, 0, fadeWidth, height(), Qt::ReplaceClip);
+    // The edges are drawn as pieces of the mask, pixel by pixel: a clip would have to be allocated
+    // at each repaint.
+    const qreal ratio = m_frame.devicePixelRatioF();
+    painter.scale(1 / ratio, 1 / ratio);
+    const QSize edge(qCeil(fadeWidth * ratio), m_fadeMask.height());
+    const QRect rightEdge(QPoint(m_fadeMask.width() - edge.width(), 0), edge);
+    const QRect leftEdge(QPoint(0, 0), edge);
+    painter.drawImage(rightEdge, m_fadeMask, rightEdge);
     painter.setOpacity(leftFadeOpacity(m_offset));
-    painter.drawImage(0, 0, m_fadeMask);
+    painter.drawImage(leftEdge, m_fadeMask, leftEdge);
 }
 
 void ScrollText::showEvent(QShowEvent* event)
