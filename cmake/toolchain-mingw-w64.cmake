@@ -1,0 +1,28 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+
+# Windows x86-64, built on Linux. QT_WINDOWS_DIR (environment) names the folder of a static Qt 5.15
+# for Windows with host tools that run here; packaging/windows/build-qt.sh makes one.
+
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+
+set(tessaport_target x86_64-w64-mingw32)
+set(CMAKE_CXX_COMPILER ${tessaport_target}-g++-posix)
+set(CMAKE_RC_COMPILER ${tessaport_target}-windres)
+
+# Nothing but the system's own libraries may be missing on the machine the program is copied to.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
+
+if("$ENV{QT_WINDOWS_DIR}" STREQUAL "")
+    message(FATAL_ERROR "QT_WINDOWS_DIR has to name the folder of Qt for Windows")
+endif()
+file(REAL_PATH "$ENV{QT_WINDOWS_DIR}" tessaport_qt EXPAND_TILDE)
+if(NOT EXISTS ${tessaport_qt}/lib/cmake/Qt5/Qt5Config.cmake)
+    message(FATAL_ERROR "QT_WINDOWS_DIR holds no Qt 5: ${tessaport_qt}")
+endif()
+
+set(CMAKE_FIND_ROOT_PATH ${tessaport_qt} /usr/${tessaport_target})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
