@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/Application.h"
+
+#include "res/Resources.h"
+
+namespace {
+
+// Scaling can only be set before the base class starts up.
+int& withDisplayScaling(int& argc)
+{
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
+        Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    return argc;
+}
+
+} // namespace
+
+Application::Application(int& argc, char** argv)
+    : QApplication(withDisplayScaling(argc), argv)
+{
+    initResources();
+    installFonts();
+}
+
+void Application::showMainForm()
+{
+    if (!m_mainForm)
+        return;
+    m_mainForm->show();
+    m_mainForm->raise();
+}

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/Log.h"
+
+#include <QDateTime>
+
+#include <iostream>
+
+QFile logFile;
+QTextStream logStream(&logFile);
+QtMessageHandler previousMessageHandler = nullptr;
+
+namespace {
+
+QString timestamp()
+{
+    return QDateTime::currentDateTime().toTimeSpec(Qt::UTC).toString(Qt::ISODate);
+}
+
+} // namespace
+
+void openLog(const QString& path)
+{
+    logFile.setFileName(path);
+    if (logFile.size() > largestLog)
+        logFile.remove();
+    logFile.open(QIODevice::Append);
+}
+
+void logMessageHandler(QtMsgType type, const QMessageLogContext&, const QString& message)
+{
+    if (type > QtFatalMsg)
+        return;
+    logStream << "Message(" << int(type) << ") at " << timestamp() << ": " << message << Qt::endl;
+    logStream.flush();
+
+    // Line feed and carriage return in this order, on purpose.
+    std::cout << "Message(" << QByteArray::number(type).constData() << ") at "
+              << timestamp().toUtf8().constData() << ": " << message.toUtf8().constData() << "\n\r";
+
+    if (previousMessageHandler)
+        previousMessageHandler(type, QMessageLogContext(), message);
+}

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QFile>
+#include <QTextStream>
+
+/// The log: every message of the program becomes a line of a plain text file, for people who read
+/// it afterwards, and a line on standard output. The file is not closed until the process ends.
+extern QFile logFile;
+extern QTextStream logStream;
+extern QtMessageHandler previousMessageHandler;
+
+/// A larger log is deleted when the program starts.
+constexpr qint64 largestLog = 104857600; // 100 MiB
+
+/// Names and opens the file, for appending; a larger one than largestLog goes first. When it can't
+/// be opened the lines go to standard output alone.
+void openLog(const QString& path);
+
+/// The handler to be installed. Messages of level info and above fatal are dropped.
+void logMessageHandler(QtMsgType type, const QMessageLogContext& context, const QString& message);

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/SingleInstance.h"
+
+#include <QCoreApplication>
+#include <QSharedMemory>
+
+bool isSingleInstance()
+{
+    static QSharedMemory lock(QLatin1String("SingleAppLock") + QCoreApplication::applicationName());
+    // A process that was killed leaves the segment behind; detaching as the last one removes it.
+    if (lock.attach(QSharedMemory::ReadOnly))
+        lock.detach();
+    return lock.create(1, QSharedMemory::ReadWrite);
+}

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/Application.h"
+#include "app/Log.h"
+#include "app/SingleInstance.h"
+#include "capture/UserActivityWatcher.h"
+#include "dialogs/LoginForm.h"
+#include "mainwindow/MainForm.h"
+#include "notifications/NotificationManager.h"
+#include "service/TessaPort.h"
+#include "update/ElevatedStart.h"
+#include "update/UpdateState.h"
+
+#include <QDebug>
+#include <QFile>
+#include <QMessageBox>
+
+#include <cstring>
+
+namespace {
+
+void setIdentity()
+{
+    const QString organisation = QStringLiteral("TessaPort");
+    QCoreApplication::setOrganizationName(organisation);
+    QCoreApplication::setOrganizationDomain(organisation);
+    QCoreApplication::setApplicationName(QStringLiteral("TessaPort Team Monitor"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TESSAPORT_VERSION));
+}
+
+void applyStyleSheet(QFile& file)
+{
+    file.open(QIODevice::ReadOnly);
+    // As far as the first NUL byte.
+    qApp->setStyleSheet(QString::fromUtf8(file.readAll().constData()));
+}
+
+void tellOfOtherInstance()
+{
+    QMessageBox message(
+        QMessageBox::Critical, QCoreApplication::applicationName(),
+        QStringLiteral("Только одна копия программы может быть одновременно запущена."));
+    message.exec();
+}
+
+bool continuesWithoutActivity()
+{
+    const QString text = QStringLiteral(
+        "Не удалось начать обработку вашей активности.\n"
+        "Для устранения проблемы переустановите приложение или обратитесь к вашему системному "
+        "администратору.\n"
+        "Желаете продолжить работу с программой(информация об активности не будет собранна)?");
+    const int answer =
+        QMessageBox::question(nullptr, QStringLiteral("Ошибка"), text, QStringLiteral("Да"),
+                              QStringLiteral("Нет"), QString(), 0, -1);
+    qDebug() << answer;
+    return answer == 0;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    Application application(argc, argv);
+    setIdentity();
+
+    TessaPort tessaPort;
+    UpdateState::instance()->init(&tessaPort);
+    if (UpdateState::instance()->updateAtStartup()
+        && tessaPort.runWinAppAsAdmin(updateProgram, QStringLiteral("--install-only")) > 32)
+        return 0;
+    UpdateState::instance()->installUpdate();
+    tessaPort.removeDirectory(tessaPort.dataDir().filePath(QStringLiteral("cached")));
+
+    openLog(tessaPort.dataDir().filePath(QStringLiteral("log.log")));
+    previousMessageHandler = qInstallMessageHandler(logMessageHandler);
+    qDebug() << QStringLiteral("%1 %2 started. Build date: %3, %4")
+                    .arg(QCoreApplication::applicationName(),
+                         QCoreApplication::applicationVersion(), QStringLiteral(__DATE__),
+                         QStringLiteral(__TIME__));
+    QFile styleSheet(QStringLiteral(":/qss/main.qss"));
+    applyStyleSheet(styleSheet);
+
+    if (argc > 1 && std::strcmp(argv[1], "--clean") == 0) {
+        logFile.close();
+        tessaPort.removeDirectory(tessaPort.dataDir().absolutePath());
+        tessaPort.setNoSave(true);
+        return 0;
+    }
+    if (!isSingleInstance()) {
+        tellOfOtherInstance();
+        return 1;
+    }
+    if (!UserActivityWatcher::instance()->start() && !continuesWithoutActivity())
+        return 0;
+
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    if (!tessaPort.session()->logged()) {
+        LoginForm loginForm(&tessaPort, nullptr);
+        if (loginForm.exec() != QDialog::Accepted)
+            return 0;
+    }
+
+    MainForm mainForm(&tessaPort, nullptr);
+    application.setMainForm(&mainForm);
+    mainForm.show();
+    if (tessaPort.session()->active())
+        NotificationManager::instance()->show(QStringLiteral("Запись активности включена"),
+                                              PlainNotification, QString());
+    return QApplication::exec();
+}

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "mainwindow/MainForm.h"
+
+#include "capture/UserActivityWatcher.h"
+#include "dialogs/AboutForm.h"
+#include "dialogs/LoginForm.h"
+#include "dialogs/ScrollText.h"
+#include "dialogs/TaskForm.h"
+#include "dialogs/TaskListForm.h"
+#include "notifications/NotificationManager.h"
+#include "service/TessaPort.h"
+#include "ui_MainForm.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QShortcut>
+
+MainForm::MainForm(TessaPort* service, QWidget* parent)
+    : AbstractMainForm(parent)
+    , m_tessaPort(service)
+    , m_ui(std::make_unique<Ui::MainForm>())
+{
+    setupWindow();
+    setupTimers();
+    setupConnections();
+    setupTray();
+    connect(UserActivityWatcher::instance(), &UserActivityWatcher::wasActivity, this,
+            &MainForm::setHasActivity);
+    updateNoticeButton();
+    updatePlayButton();
+    updateTimerLbl();
+    updateOverdueTime();
+
+    m_tessaPort->requestVersion();
+    m_taskListForm = new TaskListForm(m_tessaPort, this, this);
+    m_taskForm = std::make_unique<TaskForm>(this, nullptr);
+    connect(m_taskForm.get(), &TaskForm::accepted, this, &MainForm::onTaskFormAccepted);
+    m_aboutForm = std::make_unique<AboutForm>(m_tessaPort, nullptr);
+    NotificationManager::instance()->setMainForm(this);
+    onTaskChange();
+    if (m_tessaPort->session()->taskID().isEmpty())
+        NotificationManager::instance()->show(QStringLiteral("Выберите задачу для начала работы."),
+                                              PlainNotification, QString());
+
+    auto* escape = new QShortcut(QKeySequence(QStringLiteral("Esc")), this);
+    escape->setContext(Qt::WindowShortcut);
+    connect(escape, &QShortcut::activated, this, &MainForm::hideAll);
+}
+
+MainForm::~MainForm()
+{
+    NotificationManager::instance()->closeAll();
+    NotificationManager::instance()->setMainForm(nullptr);
+}
+
+void MainForm::setupTimers()
+{
+    const struct {
+        QTimer& timer;
+        int interval;
+        void (*slot)(MainForm& form);
+    } rows[] = {
+        {m_activityTimer, 6000, [](MainForm& form) { form.sendActivity(); }},
+        {m_checkUpdateTimer, 3600000, [](MainForm& form) { form.checkUpdate(); }},
+        {m_closeForUpdateTimer, 1000, [](MainForm& form) { form.checkNeedCloseToUpdate(); }},
+        {m_commentsTimer, 60000, [](MainForm& form) { form.updateComments(); }},
+        {m_clockTimer, 1000, [](MainForm& form) { form.clock(); }},
+        {m_activityMessageTimer, 1800000, [](MainForm& form) { form.showActivityMessage(); }},
+        {m_syncTimer, 1740000, [](MainForm& form) { form.syncTime(); }},
+        {m_screenshotTimer, 300000, [](MainForm& form) { form.screenshotTimeout(); }},
+    };
+    for (const auto& row : rows) {
+        row.timer.setInterval(row.interval);
+        connect(&row.timer, &QTimer::timeout, this, [this, slot = row.slot] { slot(*this); });
+    }
+    // The timers that measure: a coarse timer of some systems is a little late each time, which
+    // adds up over a day.
+    m_activityTimer.setTimerType(Qt::PreciseTimer);
+    m_clockTimer.setTimerType(Qt::PreciseTimer);
+
+    m_checkUpdateTimer.start();
+    m_closeForUpdateTimer.start();
+    m_commentsTimer.start();
+    m_syncTimer.start();
+    syncTime();
+}
+
+void MainForm::setupConnections()
+{
+    connect(m_tessaPort, &TessaPort::loginOk, this, &MainForm::updateForNewLogin);
+    connect(m_tessaPort, &TessaPort::onlineChanged, this, &MainForm::updateOnlineState);
+    const Session* session = m_tessaPort->session();
+    connect(session, &Session::taskChanged, this, &MainForm::onTaskChange);
+    connect(session, &Session::timeUpdated, this, &MainForm::updateTimerLbl);
+    connect(session, &Session::taskClosed, this, &MainForm::closeTask);
+    connect(session, &Session::overdueTimeChanged, this, &MainForm::updateOverdueTime);
+    connect(session, &Session::tasksUpdated, this, &MainForm::onTaskUpdated);
+    connect(this, &MainForm::hideAll, this, &MainForm::hideAllHandler);
+    connect(this, &MainForm::showAll, this, &MainForm::showAllHandler);
+}
+
+void MainForm::onTaskFormAccepted()
+{
+    m_tessaPort->setCurrentTask(m_taskForm->selectedTeamId(), m_taskForm->selectedTaskId());
+}
+
+void MainForm::on_actionChangeAccount_triggered()
+{
+    LoginForm loginForm(m_tessaPort, nullptr);
+    m_ui->pbPlay->setChecked(false);
+    loginForm.exec();
+}
+
+void MainForm::on_actionExit_triggered()
+{
+    qDebug("MainForm on_actExit_activated");
+    accept();
+    QCoreApplication::quit();
+}

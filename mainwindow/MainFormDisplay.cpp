@@ -1,0 +1,326 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "mainwindow/MainForm.h"
+
+#include "desktop/AutoRun.h"
+#include "dialogs/AboutForm.h"
+#include "dialogs/CalendarForm.h"
+#include "dialogs/ScrollText.h"
+#include "dialogs/TaskForm.h"
+#include "dialogs/TaskListForm.h"
+#include "mainwindow/TimeText.h"
+#include "notifications/NotificationManager.h"
+#include "service/TessaPort.h"
+#include "ui_MainForm.h"
+
+#include <QApplication>
+#include <QDesktopWidget>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPainter>
+
+namespace {
+
+QString buttonStyle(const QString& normal, const QString& hovered, const QString& pressed)
+{
+    return QStringLiteral("QPushButton{background-image: url(%1);}"
+                          "QPushButton:hover:!pressed{background-image: url(%2);}"
+                          "QPushButton:pressed{background-image: url(%3);}")
+        .arg(normal, hovered, pressed);
+}
+
+} // namespace
+
+// --- Set-up
+
+void MainForm::setupWindow()
+{
+    m_ui->setupUi(this);
+    setAttribute(Qt::WA_TranslucentBackground);
+    m_mainImage.load(QStringLiteral(":/images/main.png"));
+    setWindowFlags((windowFlags() & Qt::Dialog) | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint
+                   | Qt::WindowStaysOnTopHint);
+    const QRect available = QApplication::desktop()->availableGeometry(this);
+    move(available.right() - width(), available.bottom() - height());
+
+    m_lbTask = std::make_unique<ScrollText>(true, this);
+    m_lbTask->setObjectName(QStringLiteral("lbTask"));
+    m_lbTask->setGeometry(34, 33, 171, 13);
+    QWidget* const watched[] = {m_lbTask.get(), m_ui->lbComment, m_ui->lbActivity, m_ui->lbClock};
+    for (QWidget* widget : watched)
+        widget->installEventFilter(this);
+
+    m_ui->pbTimeExtend->setStyleSheet(
+        buttonStyle(QStringLiteral(":/icons/res/icons/pbTimeExtend_NoActive_normal.png"),
+                    QStringLiteral(":/icons/res/icons/pbTimeExtend_NoActive_Hovered.png"),
+                    QStringLiteral(":/icons/res/icons/pbTimeExtend_NoActive_Pressed.png")));
+}
+
+void MainForm::setupTray()
+{
+    m_trayIcon = new QSystemTrayIcon(this);
+    setupTrayMenu();
+    updateTrayIcon();
+    m_trayIcon->setVisible(true);
+    connect(m_trayIcon, &QSystemTrayIcon::activated, this, &MainForm::trayActivated);
+}
+
+void MainForm::setupTrayMenu()
+{
+    m_menu = new QMenu(m_ui->pbMenu);
+    m_menu->addAction(m_ui->actionStartStop);
+    m_menu->addAction(m_ui->actionToggleVisible);
+    m_menu->addAction(m_ui->actionChangeAccount);
+    m_menu->addAction(m_ui->actionAutostart);
+    m_menu->addSeparator();
+    m_menu->addAction(m_ui->actionAbout);
+    m_menu->addSeparator();
+    m_menu->addAction(m_ui->actionExit);
+
+    auto* autoRun = new AutoRun(this);
+    m_ui->actionAutostart->setCheckable(true);
+    m_ui->actionAutostart->setChecked(autoRun->isEnabled());
+    connect(m_ui->actionAutostart, &QAction::toggled, autoRun, &AutoRun::enable);
+
+    m_ui->pbMenu->setMenu(m_menu);
+    m_trayIcon->setContextMenu(m_menu);
+}
+
+// --- Events of the window
+
+void MainForm::paintEvent(QPaintEvent* event)
+{
+    AbstractMainForm::paintEvent(event);
+    QPainter painter(this);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.drawImage(QRectF(painter.viewport()), m_mainImage, QRectF(m_mainImage.rect()));
+    painter.restore();
+}
+
+void MainForm::keyPressEvent(QKeyEvent* event)
+{
+    // Its effect comes from the shortcut; a dialog would close.
+    if (event->key() != Qt::Key_Escape)
+        AbstractMainForm::keyPressEvent(event);
+}
+
+bool MainForm::eventFilter(QObject* object, QEvent* event)
+{
+    if (event->type() == QEvent::MouseButtonPress) {
+        if (object == m_lbTask.get())
+            on_pbTask_clicked();
+        else if (object == m_ui->lbComment)
+            toggleTaskList();
+        else if (object == m_ui->lbActivity || object == m_ui->lbClock)
+            toggleClockMode();
+    }
+    return AbstractMainForm::eventFilter(object, event);
+}
+
+void MainForm::showEvent(QShowEvent* event)
+{
+    m_ui->actionToggleVisible->setText(QStringLiteral("Спрятать"));
+    AbstractMainForm::showEvent(event);
+}
+
+void MainForm::hideEvent(QHideEvent* event)
+{
+    m_ui->actionToggleVisible->setText(QStringLiteral("Показать"));
+    AbstractMainForm::hideEvent(event);
+}
+
+// --- What is shown
+
+void MainForm::toggleClockMode()
+{
+    m_showActiveTime = !m_showActiveTime;
+    m_ui->lbActivity->setText(m_showActiveTime ? QStringLiteral("Активного: ")
+                                               : QStringLiteral("Сегодня: "));
+    updateTimerLbl();
+}
+
+void MainForm::updateTimerLbl()
+{
+    const Session* session = m_tessaPort->session();
+    const QTime time = m_showActiveTime ? session->displayActivetime() : session->displayWorktime();
+    m_ui->lbClock->setText(time.toString(QStringLiteral("hh:mm:ss")));
+}
+
+void MainForm::updateOverdueTime()
+{
+    const Session* session = m_tessaPort->session();
+    const QString taskId = session->taskID();
+    const bool isOverdue =
+        taskId != unassignedTaskId && !taskId.isEmpty() && session->overdueSeconds() >= 0;
+    m_ui->lbOverdue->setVisible(isOverdue);
+    m_ui->lbOverdueTime->setVisible(isOverdue);
+    if (!isOverdue)
+        return;
+    const QDateTime deadline = session->taskDeadline();
+    const QString toolTip = deadline.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    m_ui->lbOverdueTime->setText(overdueText(deadline, QDateTime::currentDateTime()));
+    m_ui->lbOverdueTime->setToolTip(toolTip);
+    m_ui->lbOverdue->setToolTip(toolTip);
+}
+
+void MainForm::updatePlayButton()
+{
+    const Session* session = m_tessaPort->session();
+    if (session->taskID().isEmpty()) {
+        m_ui->pbPlay->setStyleSheet(
+            QStringLiteral("background-image: url(:/images/pbPlay_Disabled.png);"));
+        return;
+    }
+    const QString picture =
+        QStringLiteral(":/images/%1_%2")
+            .arg(session->active() ? QStringLiteral("pbPause") : QStringLiteral("pbPlay"),
+                 session->isOnline() ? QStringLiteral("Online") : QStringLiteral("Offline"));
+    m_ui->pbPlay->setStyleSheet(buttonStyle(picture + QStringLiteral(".png"),
+                                            picture + QStringLiteral("_hovered.png"),
+                                            picture + QStringLiteral("_hovered_clicked.png")));
+}
+
+void MainForm::updateNoticeButton()
+{
+    // "Hoveredl" is the picture's own name.
+    m_ui->pbNotice->setStyleSheet(
+        NotificationManager::instance()->hasNotifications()
+            ? buttonStyle(QStringLiteral(":/images/pbAttention_Active_normal.png"),
+                          QStringLiteral(":/images/pbAttention_Active_Hovered.png"),
+                          QStringLiteral(":/images/pbAttention_Active_clicked.png"))
+            : buttonStyle(QStringLiteral(":/images/pbAttention_NoActive_normal.png"),
+                          QStringLiteral(":/images/pbAttention_NoActive_Hoveredl.png"),
+                          QStringLiteral(":/images/pbAttention_NoActive_clicked.png")));
+}
+
+void MainForm::updateTrayIcon()
+{
+    const bool isRunning = m_tessaPort->session()->active();
+    const bool hasAttention = NotificationManager::instance()->hasNotifications();
+    QString icon;
+    if (hasAttention)
+        icon = isRunning ? QStringLiteral(":/icons/trayActive_attention.png")
+                         : QStringLiteral(":/icons/trayNotactive_attention.png");
+    else
+        icon = isRunning ? QStringLiteral(":/icons/trayActive.png")
+                         : QStringLiteral(":/icons/trayNotActive.png");
+    m_trayIcon->setIcon(QIcon(icon));
+}
+
+void MainForm::updateAttention()
+{
+    updateTrayIcon();
+    updateNoticeButton();
+}
+
+QIcon MainForm::taskIcon(const Task& task) const
+{
+    if (task.isBlocking())
+        return QIcon(QStringLiteral(":/images/pbTaskBlocked.png"));
+    if (task.importance > 0)
+        return QIcon(QStringLiteral(":/images/pbTaskUrgentGrey.png"));
+    return QIcon(QStringLiteral(":/images/pbTask.png"));
+}
+
+void MainForm::updateOnlineState(QString message)
+{
+    const bool isOnline = m_tessaPort->session()->isOnline();
+    qDebug() << "Online state is " << isOnline;
+    updatePlayButton();
+    NotificationManager::instance()->show(message
+                                              + (isOnline
+                                                     ? QStringLiteral("Переход в онлайн-режим.")
+                                                     : QStringLiteral("Переход в оффлайн-режим.")),
+                                          PlainNotification, QString());
+}
+
+// --- Showing and hiding
+
+void MainForm::trayActivated(QSystemTrayIcon::ActivationReason reason)
+{
+    if (reason == QSystemTrayIcon::DoubleClick || reason == QSystemTrayIcon::Trigger)
+        on_actionToggleVisible_triggered();
+}
+
+void MainForm::on_actionToggleVisible_triggered()
+{
+    if (isVisible())
+        emit hideAll();
+    else
+        emit showAll();
+    NotificationManager::instance()->raiseAll();
+}
+
+void MainForm::hideAllHandler()
+{
+    qDebug("MainForm hideAllHandler");
+    hide();
+}
+
+void MainForm::showAllHandler()
+{
+    qDebug("MainForm showAllHandler");
+    show();
+}
+
+void MainForm::on_pbMinimize_clicked()
+{
+    qDebug("MainForm on_pbMinimize_clicked");
+    emit hideAll();
+}
+
+// --- The other windows
+
+void MainForm::on_pbNotice_clicked()
+{
+    NotificationManager::instance()->toggle();
+}
+
+void MainForm::on_pbTask_clicked()
+{
+    m_taskForm->show();
+    m_taskForm->activateWindow();
+    m_taskForm->reload();
+}
+
+void MainForm::toggleTaskList()
+{
+    if (m_taskListForm->isVisible()) {
+        m_taskListForm->on_pbHide_clicked();
+        return;
+    }
+    m_taskListForm->show();
+    NotificationManager::instance()->raiseAll();
+}
+
+void MainForm::on_actionAbout_triggered()
+{
+    m_aboutForm->refresh();
+    m_aboutForm->show();
+}
+
+void MainForm::on_pbTimeExtend_clicked()
+{
+    const Session* session = m_tessaPort->session();
+    if (session->taskID() == unassignedTaskId || session->teamID() == teamWithoutDeadlines) {
+        NotificationManager::instance()->show(
+            QStringLiteral("Для данной задачи невозможно выполнить перенос дедлайна."),
+            PlainNotification, QString());
+        return;
+    }
+    // A form that is cancelled stays, hidden, as long as this window does.
+    auto* calendarForm = new CalendarForm(nullptr);
+    connect(this, &QObject::destroyed, calendarForm, [calendarForm] { delete calendarForm; });
+    connect(calendarForm, &CalendarForm::accepted, this, &MainForm::onRequestDeadlineAccepted);
+    calendarForm->exec();
+}
+
+void MainForm::onRequestDeadlineAccepted()
+{
+    auto* calendarForm = qobject_cast<CalendarForm*>(sender());
+    const QTime time = calendarForm->selectedTime();
+    const QString reason = calendarForm->getReason();
+    const QDate date = calendarForm->selectedDate();
+    m_tessaPort->requestDeadline(date, reason, time);
+    calendarForm->deleteLater();
+}
