@@ -4,6 +4,8 @@
 #include <QApplication>
 #include <QDebug>
 #include <QFontDatabase>
+#include <QPalette>
+#include <QStyleFactory>
 
 namespace {
 
@@ -37,4 +39,27 @@ void installFonts()
     QFont font(family);
     font.setPixelSize(fontPixelSize);
     QApplication::setFont(font);
+}
+
+void installPalette()
+{
+    const QColor panel(0xF5, 0xF3, 0xEE);
+    const QColor field(Qt::white);
+    const QColor text(0x26, 0x26, 0x26);
+    const QColor faint(0x9A, 0x97, 0x91);
+    const QColor gold(0xF4, 0xD4, 0x83);
+
+    QPalette palette(panel);
+    for (const QPalette::ColorRole role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::HighlightedText}) {
+        palette.setColor(role, text);
+        palette.setColor(QPalette::Disabled, role, faint);
+    }
+    palette.setColor(QPalette::Base, field);
+    palette.setColor(QPalette::AlternateBase, panel);
+    palette.setColor(QPalette::Highlight, gold);
+    palette.setColor(QPalette::PlaceholderText, faint);
+
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setPalette(palette);
 }

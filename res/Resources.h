@@ -10,3 +10,7 @@ void initResources();
 /// the windows are drawn for. Needs a QApplication and initResources(). If the font can't be
 /// loaded, the log says so and the system's font stays.
 void installFonts();
+
+/// Gives the application one style and one light palette, whatever the theme of the desktop, since
+/// the panels of the windows are light. Needs a QApplication.
+void installPalette();
