@@ -23,5 +23,5 @@ protected:
     void enterDataDirectory();
 
 private:
-    QDir m_dataDir { QString() };
+    QDir m_dataDir{QString()};
 };

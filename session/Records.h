@@ -27,6 +27,8 @@ struct Task {
     /// Whether this is the row for time that is booked on no real task; see unassignedTask().
     bool isUnassigned() const;
     bool operator==(const Task& other) const { return id == other.id; }
+    /// Whether all fields are the same, and not just the id.
+    bool hasSameContent(const Task& other) const;
 };
 
 /// The id of the row that ends every team's list and that the service never sends.
@@ -96,6 +98,13 @@ QDataStream& operator<<(QDataStream& stream, const TextTask& textTask);
 QDataStream& operator>>(QDataStream& stream, TextTask& textTask);
 QDataStream& operator<<(QDataStream& stream, const TaskInfo& taskInfo);
 QDataStream& operator>>(QDataStream& stream, TaskInfo& taskInfo);
+
+// Lists are Qt's own: a 32-bit count, then the elements. These readers take the place of Qt's;
+// they survive a count that the stream can't hold.
+QDataStream& operator>>(QDataStream& stream, QList<Task>& tasks);
+QDataStream& operator>>(QDataStream& stream, QList<Attachment>& attachments);
+QDataStream& operator>>(QDataStream& stream, QList<Keyword>& keywords);
+QDataStream& operator>>(QDataStream& stream, QList<TextTask>& textTasks);
 
 /// Makes the records known to the meta-type system by name, with their streams. Has to run before
 /// any ini file that holds records is read.

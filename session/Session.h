@@ -3,15 +3,18 @@
 
 #include "session/Records.h"
 #include "session/SessionOwner.h"
+#include "session/TaskLists.h"
 
 #include <QDate>
 #include <QMap>
 #include <QSet>
-#include <QSettings>
 #include <QTime>
 #include <QVariant>
 
 #include <memory>
+
+class IniFile;
+struct TaskChange;
 
 /// All that is remembered of the signed-in user: credentials, the chosen team and task, the day's
 /// counters, and the cached teams, tasks and details. It lives in memory and is mirrored into ini
@@ -123,6 +126,17 @@ signals:
     void overdueTimeChanged();
 
 private:
+    QString userPath(const QString& name) const;
+    void makeUserDirectories() const;
+    void loadSessionFile(bool withPassword);
+    void loadCounters();
+    void saveSessionFile();
+    void saveTeams();
+    void saveTasks();
+    void saveTaskInfos();
+    void clearCounters();
+    void tell(const QString& teamId, const TaskChange& change);
+
     SessionOwner* const m_owner;
     QString m_teamID;
     QString m_taskID;
@@ -132,20 +146,23 @@ private:
     bool m_logged = false;
     bool m_isOnline = true;
     QDate m_worktimeDate;
-    QTime m_todayWorktime { 0, 0 };
-    QTime m_displayWorktime { 0, 0 };
-    QTime m_todayActivetime { 0, 0 };
-    QTime m_displayActivetime { 0, 0 };
+    QTime m_todayWorktime{0, 0};
+    QTime m_displayWorktime{0, 0};
+    QTime m_todayActivetime{0, 0};
+    QTime m_displayActivetime{0, 0};
     QDateTime m_resetTime;
-    std::unique_ptr<QSettings> m_configSettings;
-    std::unique_ptr<QSettings> m_sessionSettings;
-    std::unique_ptr<QSettings> m_teamsSettings;
-    std::unique_ptr<QSettings> m_tasksSettings;
-    std::unique_ptr<QSettings> m_taskInfoSettings;
-    QMap<QString, QList<Task>> m_tasks;
+    std::unique_ptr<IniFile> m_configSettings;
+    std::unique_ptr<IniFile> m_sessionSettings;
+    std::unique_ptr<IniFile> m_teamsSettings;
+    std::unique_ptr<IniFile> m_tasksSettings;
+    std::unique_ptr<IniFile> m_taskInfoSettings;
+    TaskLists m_tasks;
     QMap<QString, TaskInfo> m_taskInfos;
     QList<Team> m_teams;
     QVariantMap m_task2activeTimeMap;
+    // The keys of tasks.ini and taskInfo.ini whose values are newer than the file's.
+    QSet<QString> m_unsavedTasks;
+    QSet<QString> m_unsavedTaskInfos;
 };
 
 using Session = SessionOwner::Session;

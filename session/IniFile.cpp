@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "IniFile.h"
+
+namespace {
+
+bool isSameContent(const QVariant& stored, const QVariant& value)
+{
+    // Read back from a file, plain values are texts.
+    if (value.userType() == QMetaType::QVariantMap)
+        return stored.userType() == value.userType() && stored == value;
+    return stored.toString() == value.toString();
+}
+
+} // namespace
+
+IniFile::IniFile(const QString& path)
+    : m_settings(path, QSettings::IniFormat)
+    , m_stamp(stampOnDisk())
+{
+}
+
+QVariant IniFile::value(const QString& key, const QVariant& defaultValue) const
+{
+    return m_settings.value(key, defaultValue);
+}
+
+bool IniFile::takeOverChanges()
+{
+    const Stamp stamp = stampOnDisk();
+    if (stamp == m_stamp)
+        return false;
+    m_settings.sync();
+    m_stamp = stampOnDisk();
+    return true;
+}
+
+void IniFile::setValue(const QString& key, const QVariant& value)
+{
+    if (!m_settings.contains(key) || !isSameContent(m_settings.value(key), value))
+        overwriteValue(key, value);
+}
+
+void IniFile::overwriteValue(const QString& key, const QVariant& value)
+{
+    // QSettings has no place for a key without a name, and slashes alone name nothing.
+    if (key.count(QLatin1Char('/')) == key.size())
+        return;
+    m_settings.setValue(key, value);
+    m_hasUnwritten = true;
+}
+
+void IniFile::clear()
+{
+    m_settings.clear();
+    m_hasUnwritten = true;
+}
+
+void IniFile::write()
+{
+    if (!m_hasUnwritten)
+        return;
+    m_settings.sync();
+    const Stamp stamp = stampOnDisk();
+    // QSettings keeps what it could not write, but not a word about it.
+    m_hasUnwritten = stamp == m_stamp;
+    m_stamp = stamp;
+}
+
+IniFile::Stamp IniFile::stampOnDisk() const
+{
+    const QFileInfo file(m_settings.fileName());
+    return file.exists() ? Stamp{file.size(), file.lastModified()} : Stamp{};
+}
