@@ -5,6 +5,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QPointer>
 
 class AbstractMainForm;
 class NotificationForm;
@@ -44,7 +45,12 @@ private slots:
 private:
     NotificationManager();
 
-    AbstractMainForm* m_mainForm = nullptr;
+    void remove(NotificationForm* form);
+    void removeUpdateNotices();
+    void showFirstPending();
+    void updateAttention();
+
+    QPointer<AbstractMainForm> m_mainForm;
     QList<NotificationForm*> m_shownForms; ///< owned; the first one stands lowest
     QList<NotificationForm*> m_pendingForms; ///< owned; the oldest one first
 };

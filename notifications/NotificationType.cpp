@@ -42,6 +42,12 @@ QString notificationText(const QString& message, int type)
     return QString::fromUtf8(traits(type).text).arg(message);
 }
 
-bool closesByItself(int type) { return traits(type).closesByItself; }
+bool closesByItself(int type)
+{
+    return traits(type).closesByItself;
+}
 
-bool leadsToTask(int type) { return traits(type).leadsToTask; }
+bool leadsToTask(int type)
+{
+    return traits(type).leadsToTask;
+}

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QDialog>
+#include <QPixmap>
+#include <QPointer>
+#include <QTimer>
+
+#include <memory>
+
+class AbstractMainForm;
+
+namespace Ui {
+class NotificationForm;
+}
+
+/// One notice: a small window in the lower right corner of the screen that never takes the focus
+/// by being shown. It closes by a click, some types also by time, and the one of a newer version
+/// by its two buttons instead.
+class NotificationForm : public QDialog {
+    Q_OBJECT
+
+public:
+    /// Type, message and task id are those of NotificationManager::show(). The main form stands
+    /// below the notices while it is visible; not owned, null when there is none.
+    NotificationForm(const QString& message, int type, const QString& taskId,
+                     AbstractMainForm* mainForm, QWidget* parent = nullptr);
+    ~NotificationForm() override;
+
+    int type() const { return m_type; }
+    /// The place last given by placeInSlot(), counted from 0 at the bottom.
+    int slot() const { return m_slot; }
+    /// Whether the notice is fading; it is gone soon.
+    bool isClosing() const { return m_closing; }
+
+    void placeInSlot(int slot);
+    /// Whether the whole notice is above the lower end of the screen and not off its upper one.
+    bool fitsOnScreen() const;
+    /// Fades and then emits notificationClosed(). Once under way, further calls do nothing.
+    void fadeOut();
+
+signals:
+    /// The notice has faded and can be deleted.
+    void notificationClosed();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+private slots:
+    void onPbLateClicked();
+    void onPbUpdateClicked();
+
+private:
+    QRect availableGeometry() const;
+    void centreText();
+
+    std::unique_ptr<Ui::NotificationForm> m_ui;
+    const int m_type;
+    QTimer m_timer;
+    const QPointer<AbstractMainForm> m_mainForm;
+    bool m_closing = false;
+    const QString m_taskId;
+    int m_slot = 0;
+    const QPixmap m_background;
+};
