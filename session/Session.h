@@ -7,11 +7,11 @@
 
 #include <QDate>
 #include <QMap>
-#include <QSet>
 #include <QTime>
 #include <QVariant>
 
 #include <memory>
+#include <set>
 
 class IniFile;
 struct TaskChange;
@@ -161,8 +161,8 @@ private:
     QList<Team> m_teams;
     QVariantMap m_task2activeTimeMap;
     // The keys of tasks.ini and taskInfo.ini whose values are newer than the file's.
-    QSet<QString> m_unsavedTasks;
-    QSet<QString> m_unsavedTaskInfos;
+    std::set<QString> m_unsavedTasks;
+    std::set<QString> m_unsavedTaskInfos;
 };
 
 using Session = SessionOwner::Session;

@@ -155,7 +155,7 @@ void Session::saveTasks()
         for (const QString& id : m_tasks.teamIds())
             m_unsavedTasks.insert(id);
     }
-    for (const QString& id : qAsConst(m_unsavedTasks))
+    for (const QString& id : m_unsavedTasks)
         m_tasksSettings->overwriteValue(id, QVariant::fromValue(m_tasks.tasks(id)));
     m_unsavedTasks.clear();
     m_tasksSettings->write();
@@ -167,7 +167,7 @@ void Session::saveTaskInfos()
         for (auto id = m_taskInfos.keyBegin(); id != m_taskInfos.keyEnd(); ++id)
             m_unsavedTaskInfos.insert(*id);
     }
-    for (const QString& id : qAsConst(m_unsavedTaskInfos))
+    for (const QString& id : m_unsavedTaskInfos)
         m_taskInfoSettings->overwriteValue(id, QVariant::fromValue(m_taskInfos.value(id)));
     m_unsavedTaskInfos.clear();
     m_taskInfoSettings->write();
