@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QDebug>
+#include <QFile>
 #include <QFontDatabase>
 #include <QPalette>
 #include <QStyleFactory>
@@ -62,4 +63,15 @@ void installPalette()
 
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(palette);
+}
+
+QPixmap picture(const QString& resource)
+{
+    if (qApp->devicePixelRatio() > 1) {
+        QString twin = resource;
+        twin.insert(twin.lastIndexOf(QLatin1Char('.')), QLatin1String("@2x"));
+        if (QFile::exists(twin))
+            return QPixmap(twin);
+    }
+    return QPixmap(resource);
 }

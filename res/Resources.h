@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QPixmap>
+
 /// Makes the style sheet, the pictures and the fonts available as ":/qss/main.qss", ":/images/...",
 /// ":/icons/..." and ":/fonts/...". They are linked in with a static library, so nothing of them
 /// exists before this is called. Calling it again does no harm.
@@ -14,3 +16,8 @@ void installFonts();
 /// Gives the application one style and one light palette, whatever the theme of the desktop, since
 /// the panels of the windows are light. Needs a QApplication.
 void installPalette();
+
+/// The picture of this resource, from its "@2x" twin when a screen is scaled; either way the same
+/// size in the coordinates of widgets. A null pixmap when there is none. Icons and style sheets
+/// find the twin by themselves, QPixmap and QImage do not.
+QPixmap picture(const QString& resource);
