@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "Encoding.h"
+
+namespace standin {
+
+/// How a request is failed.
+struct Fault {
+    enum class Mode {
+        Refuse, ///< the service's "no" as a body
+        Delay, ///< the right answer, late
+        Hang, ///< no answer and no end, until told otherwise or the time is up
+        DropBefore, ///< the connection ends before the body is read
+        DropAfter, ///< the connection ends after reading; nothing is kept
+        DropKept, ///< the connection ends after reading and keeping
+        Garbage, ///< bytes that mean nothing
+        Html, ///< a page in the place of data
+        Database, ///< the service's words for a database it cannot reach
+        Status500, ///< an HTTP error
+        Answer, ///< a body of the caller's
+    };
+
+    Mode mode;
+    std::optional<int> remaining; ///< how many requests more; nothing means until told otherwise
+    std::chrono::milliseconds time; ///< of Delay; of Hang the bound
+    std::string body; ///< of Answer
+    int order = 0; ///< which order to its path this is; told by Faults
+
+    /// Nothing for a name that is none.
+    static std::optional<Mode> modeNamed(const std::string& name);
+    static std::string name(Mode mode);
+
+    /// The body that the client gets; empty for modes that have none of their own.
+    std::string answer() const;
+};
+
+/// Which paths are failed at the moment. All functions may be called from any thread.
+class Faults {
+public:
+    /// Replaces what the path had. Requests that hang on it are released.
+    void set(const std::string& path, Fault fault);
+    /// The path answers rightly again. Requests that hang on it are released.
+    void clear(const std::string& path);
+    void clearAll();
+
+    /// The fault for one request, counted down; nothing when it is to be answered rightly.
+    std::optional<Fault> take(const std::string& path);
+
+    /// Waits for the time; less when stopped.
+    void delay(std::chrono::milliseconds time);
+    /// Waits with a fault that was taken until its path is told otherwise, and is true then; false
+    /// when the time is up, the client has gone or everything stops.
+    bool hang(const std::string& path, const Fault& fault,
+              const std::function<bool()>& clientHasGone);
+
+    /// Ends all waiting for good.
+    void stop();
+
+    /// Path to mode and remaining count.
+    Json toJson() const;
+
+private:
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::map<std::string, Fault> m_faults;
+    std::map<std::string, int> m_orders; ///< path to how many orders it has had
+    bool m_stopped = false;
+};
+
+} // namespace standin
