@@ -11,12 +11,14 @@ namespace platform {
 /// A combination as the system names it: key code first, modifier bits second.
 using NativeKeys = QPair<quint32, quint32>;
 
-/// The system's own codes for a key and its modifiers; 0 for what it has no code for.
+/// The system's own codes for a key and its modifiers; 0 for what it has no code for. (On Windows
+/// a virtual-key code and MOD_ bits, on X11 a keysym and modifier mask bits.)
 quint32 nativeKeyCode(Qt::Key key);
 quint32 nativeModifiers(Qt::KeyboardModifiers modifiers);
 
 /// Asks the system to tell this program of the combination, whichever window has the focus.
-/// False when the system refuses, as a rule because another program holds it.
+/// False when the system refuses, as a rule because somebody holds it already, this program
+/// included, or because the keyboard has no such key.
 bool registerHotKey(NativeKeys keys);
 
 /// Gives the combination back; false when the system refuses.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/HotKeys.h"
 
+#include "XcbPointer.h"
 #include "platform/KeyTable.h"
 
 #include <QVector>
@@ -10,16 +11,11 @@
 #include <xcb/xcb_keysyms.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 
 namespace platform {
 
 namespace {
-
-struct FreeDeleter {
-    void operator()(void* memory) const { std::free(memory); }
-};
 
 struct KeySymbolsDeleter {
     void operator()(xcb_key_symbols_t* symbols) const { xcb_key_symbols_free(symbols); }
@@ -47,8 +43,7 @@ QVector<Grab>& grabs()
 /// 0 when the keyboard has no such key.
 xcb_keycode_t keycodeOf(xcb_key_symbols_t* symbols, xcb_keysym_t keysym)
 {
-    const std::unique_ptr<xcb_keycode_t, FreeDeleter> keycodes(
-        xcb_key_symbols_get_keycode(symbols, keysym));
+    const XcbPointer<xcb_keycode_t> keycodes(xcb_key_symbols_get_keycode(symbols, keysym));
     return keycodes ? keycodes.get()[0] : xcb_keycode_t(XCB_NO_SYMBOL);
 }
 
@@ -57,7 +52,7 @@ quint16 numLockModifier(xcb_connection_t* connection, xcb_key_symbols_t* symbols
 {
     constexpr xcb_keysym_t numLockKeysym = 0xff7f;
     const xcb_keycode_t numLock = keycodeOf(symbols, numLockKeysym);
-    const std::unique_ptr<xcb_get_modifier_mapping_reply_t, FreeDeleter> mapping(
+    const XcbPointer<xcb_get_modifier_mapping_reply_t> mapping(
         xcb_get_modifier_mapping_reply(connection, xcb_get_modifier_mapping(connection), nullptr));
     if (!mapping || numLock == XCB_NO_SYMBOL)
         return 0;
@@ -89,8 +84,7 @@ bool take(xcb_connection_t* connection, const Grab& grab)
     }
     bool granted = true;
     for (const xcb_void_cookie_t cookie : cookies) {
-        const std::unique_ptr<xcb_generic_error_t, FreeDeleter> error(
-            xcb_request_check(connection, cookie));
+        const XcbPointer<xcb_generic_error_t> error(xcb_request_check(connection, cookie));
         granted = granted && !error;
     }
     if (!granted)

@@ -1,28 +1,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/WindowSystem.h"
 
+#include "XcbPointer.h"
+
 #include <QByteArray>
 #include <QVector>
 #include <QX11Info>
 
 #include <xcb/xcb.h>
 
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 
 namespace platform {
 
 namespace {
 
-struct FreeDeleter {
-    void operator()(void* memory) const { std::free(memory); }
-};
-
 xcb_atom_t atom(const QByteArray& name)
 {
     xcb_connection_t* const connection = QX11Info::connection();
-    const std::unique_ptr<xcb_intern_atom_reply_t, FreeDeleter> reply(xcb_intern_atom_reply(
+    const XcbPointer<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
         connection, xcb_intern_atom(connection, 1, quint16(name.size()), name.constData()),
         nullptr));
     return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
@@ -33,7 +29,7 @@ QByteArray property(WId window, xcb_atom_t name, xcb_atom_t type)
 {
     constexpr quint32 longest = 64 * 1024;
     xcb_connection_t* const connection = QX11Info::connection();
-    const std::unique_ptr<xcb_get_property_reply_t, FreeDeleter> reply(xcb_get_property_reply(
+    const XcbPointer<xcb_get_property_reply_t> reply(xcb_get_property_reply(
         connection, xcb_get_property(connection, 0, xcb_window_t(window), name, type, 0, longest),
         nullptr));
     if (!reply)
@@ -93,9 +89,9 @@ QRect desktopWindowGeometry(WId window)
     const auto sizeCookie = xcb_get_geometry(connection, id);
     const auto placeCookie =
         xcb_translate_coordinates(connection, id, QX11Info::appRootWindow(), 0, 0);
-    const std::unique_ptr<xcb_get_geometry_reply_t, FreeDeleter> size(
+    const XcbPointer<xcb_get_geometry_reply_t> size(
         xcb_get_geometry_reply(connection, sizeCookie, nullptr));
-    const std::unique_ptr<xcb_translate_coordinates_reply_t, FreeDeleter> place(
+    const XcbPointer<xcb_translate_coordinates_reply_t> place(
         xcb_translate_coordinates_reply(connection, placeCookie, nullptr));
     if (!size || !place)
         return {};
