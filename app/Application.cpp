@@ -3,6 +3,8 @@
 
 #include "res/Resources.h"
 
+#include <QWidget>
+
 namespace {
 
 // Scaling can only be set before the base class starts up.

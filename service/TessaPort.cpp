@@ -8,6 +8,7 @@
 
 #include <QDebug>
 #include <QPushButton>
+#include <QUrlQuery>
 
 const TessaPort::Endpoint TessaPort::endpoints[] = {
     {SignIn, "/api_teams", &TessaPort::handleLogin},
@@ -24,11 +25,8 @@ TessaPort::TessaPort(QObject* parent)
 {
     connect(&m_manager, &QNetworkAccessManager::finished, this, &TessaPort::replyFinished);
     connect(&m_manager, &QNetworkAccessManager::sslErrors, this, &TessaPort::sslErrorHandler);
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED
     connect(&m_manager, &QNetworkAccessManager::networkAccessibleChanged, this,
             &TessaPort::networkAccessibleChangedHandler);
-    QT_WARNING_POP
 }
 
 TessaPort::~TessaPort() = default;

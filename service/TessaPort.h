@@ -12,6 +12,10 @@ class QImage;
 class QTemporaryFile;
 class QUrlQuery;
 
+// A slot takes a type that is deprecated and has no successor in this major version.
+QT_WARNING_PUSH
+QT_WARNING_DISABLE_DEPRECATED
+
 /// The one client of the service: every call goes out and every reply comes back here. Requests
 /// are sent and left to come back when they will; nothing is queued, timed out, cancelled or
 /// retried, except that a report is a file on disk until the service has confirmed it.
@@ -136,3 +140,5 @@ private:
     QNetworkAccessManager m_manager;
     int m_pendingReports = 0; ///< posted and not yet answered
 };
+
+QT_WARNING_POP

@@ -139,13 +139,10 @@ void TessaPort::postReport(const QVariantMap& report, const QString& fileName)
         }
     }
 
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED
     if (m_manager.networkAccessible() == QNetworkAccessManager::NotAccessible) {
         qDebug("Network is not accessbile! Try to fix it.");
         m_manager.setNetworkAccessible(QNetworkAccessManager::Accessible);
     }
-    QT_WARNING_POP
 
     post(Report, url, ReportFile::payload(body))->setProperty("activityFile", fileName);
 }
