@@ -50,7 +50,7 @@ std::string Fault::name(Mode mode)
     return {};
 }
 
-std::string Fault::answer() const
+std::optional<std::string> Fault::answer() const
 {
     switch (mode) {
     case Mode::Refuse:
@@ -66,7 +66,7 @@ std::string Fault::answer() const
     case Mode::Answer:
         return body;
     default:
-        return {};
+        return std::nullopt;
     }
 }
 

@@ -39,8 +39,8 @@ struct Fault {
     static std::optional<Mode> modeNamed(const std::string& name);
     static std::string name(Mode mode);
 
-    /// The body that the client gets; empty for modes that have none of their own.
-    std::string answer() const;
+    /// The body that the client gets; nothing for modes that have none of their own.
+    std::optional<std::string> answer() const;
 };
 
 /// Which paths are failed at the moment. All functions may be called from any thread.

@@ -11,32 +11,35 @@ namespace standin::Pages {
 namespace {
 
 const char* const styleSheet = R"css(
-body { margin: 0; font: 15px/1.45 "PT Sans", "Segoe UI", sans-serif; color: #22303a; background: #eef2f4; }
-header { background: #1f6f8b; color: #fff; padding: 18px 32px; }
+body { margin: 0; font: 15px/1.45 "PT Sans", "Segoe UI", sans-serif; color: #4a4a4a; background: #efede6; }
+header { background: linear-gradient(#7a868f, #646f78); color: #fff; padding: 18px 0; border-bottom: 3px solid #e3b85a; }
 header h1 { margin: 0; font-size: 22px; }
-header p { margin: 2px 0 0; opacity: .8; }
-header a { color: #fff; }
-main { max-width: 1000px; margin: 24px auto; padding: 0 24px; }
-section { background: #fff; border-radius: 10px; padding: 18px 24px; margin-bottom: 20px; box-shadow: 0 1px 3px #0002; }
-h2 { margin: 0 0 12px; font-size: 17px; }
+header p { margin: 2px 0 0; }
+header a { color: #f6da8e; }
+.page { max-width: 1000px; margin: 0 auto; padding: 0 24px; }
+main.page { padding-top: 24px; }
+section { background: #fbfaf7; border: 1px solid #d2cec2; border-radius: 6px; padding: 18px 24px; margin-bottom: 20px; overflow-wrap: anywhere; }
+h2 { margin: 0 0 12px; font-size: 17px; color: #646464; }
 h3 { margin: 16px 0 4px; font-size: 15px; }
 table { border-collapse: collapse; width: 100%; }
-th { text-align: left; font-weight: normal; color: #70808a; border-bottom: 1px solid #dde4e8; }
+th { text-align: left; font-weight: normal; color: #6b6860; border-bottom: 1px solid #d2cec2; }
 th, td { padding: 6px 16px 6px 0; vertical-align: top; }
-tr + tr td { border-top: 1px solid #eef2f4; }
-td.time { white-space: nowrap; font-variant-numeric: tabular-nums; }
+tr + tr td { border-top: 1px solid #e1ddd1; }
+td.time { white-space: nowrap; font-variant-numeric: tabular-nums; width: 1%; }
+td.note { width: 160px; }
 .slots { display: inline-flex; gap: 2px; vertical-align: middle; margin-right: 8px; }
-.slots i { width: 10px; height: 16px; border-radius: 2px; background: #dde4e8; }
-.slots i.on { background: #3ba55d; }
+.slots i { width: 10px; height: 16px; border-radius: 2px; background: #dee2e4; }
+.slots i.on { background: #5c9f58; }
 .pictures { display: flex; flex-wrap: wrap; gap: 14px; }
-.pictures a { color: #70808a; font-size: 13px; text-decoration: none; }
-.pictures img { display: block; width: 296px; border-radius: 6px; border: 1px solid #dde4e8; }
+.pictures a { color: #6b6860; font-size: 13px; text-decoration: none; }
+.pictures img { display: block; width: 296px; border-radius: 4px; border: 1px solid #d2cec2; }
 .totals { display: flex; gap: 40px; }
-.totals b { display: block; font-size: 24px; color: #1f6f8b; }
-.mark { border-radius: 4px; padding: 1px 7px; font-size: 13px; background: #fde7c7; color: #8a5300; }
+.totals b { display: block; font-size: 26px; color: #4a8a46; }
+.mark { border-radius: 4px; padding: 0 6px; font-size: 13px; border: 1px solid #e3b85a; background: #fef7e4; color: #735a24; }
+.mark.blocking { border-color: #bc4038; background: #fff; color: #bc4038; }
 .text { white-space: pre-wrap; margin: 0 0 8px; }
-.none, .note { color: #70808a; }
-a { color: #1f6f8b; }
+.none, .note { color: #6b6860; }
+a { color: #856829; }
 )css";
 
 using TaskNames = std::map<std::string, std::string>;
@@ -47,9 +50,9 @@ std::string page(const std::string& title, const std::string& remark, bool reloa
     return "<!DOCTYPE html>\n<html lang=\"ru\"><head><meta charset=\"utf-8\">"
            "<meta name=\"viewport\" content=\"width=device-width\">"
         + std::string(reloads ? "<meta http-equiv=\"refresh\" content=\"5\">" : "") + "<title>"
-        + htmlEscaped(title) + "</title><style>" + styleSheet + "</style></head><body><header><h1>"
-        + htmlEscaped(title) + "</h1><p>" + remark + "</p></header><main>" + content
-        + "</main></body></html>\n";
+        + htmlEscaped(title) + "</title><style>" + styleSheet
+        + "</style></head><body><header><div class=\"page\"><h1>" + htmlEscaped(title) + "</h1><p>"
+        + remark + "</p></div></header><main class=\"page\">" + content + "</main></body></html>\n";
 }
 
 std::string section(const std::string& title, const std::string& content)
@@ -194,7 +197,7 @@ std::string taskTable(const Json& teams)
             rows += "<tr><td><a href=\"/task?id=" + urlEncoded(id) + "\">"
                 + htmlEscaped(text(task, "title")) + "</a>"
                 + (isUrgent ? " <span class=\"mark\">важная</span>" : "")
-                + (isBlocking ? " <span class=\"mark\">блокирующая</span>" : "")
+                + (isBlocking ? " <span class=\"mark blocking\">блокирующая</span>" : "")
                 + "</td><td class=\"time\">" + htmlEscaped(text(task, "deadline")) + "</td></tr>\n";
         }
         result += "<h3>" + htmlEscaped(text(team, "name")) + "</h3>"

@@ -74,8 +74,10 @@ Report Report::parsed(Kind kind, const std::string& body)
     report.email = text(report.record, "email");
 
     const auto past = number(text(report.record, "past"));
-    if (!past)
-        reject("past is not a number");
+    // The age that the client computes is a difference of 32-bit times.
+    constexpr long long longest = 0xffffffffLL;
+    if (!past || *past < -longest || *past > longest)
+        reject("past is not a number of seconds");
     report.past = *past;
 
     if (kind == Kind::Activity) {

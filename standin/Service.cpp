@@ -137,8 +137,8 @@ void Service::serve(const httplib::Request& request, httplib::Response& response
         response.status = 500;
         return response.set_content("Internal Server Error", plainText);
     }
-    if (fault && !fault->answer().empty())
-        return response.set_content(fault->answer(), plainText);
+    if (const auto own = fault ? fault->answer() : std::nullopt)
+        return response.set_content(*own, plainText);
 
     const Answer answer = (this->*handler)(call);
     if (isFault(Mode::DropKept))

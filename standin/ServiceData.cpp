@@ -116,11 +116,8 @@ Json ServiceData::teams(const std::string& login)
         if (!isVisible)
             continue;
         if (team.contains("tasks")) {
-            for (Json& task : team["tasks"]) {
-                settleTimes(task);
-                if (task.contains("deadline"))
-                    task["deadline"] = currentDeadline(text(task, "id"), text(task, "deadline"));
-            }
+            for (Json& task : team["tasks"])
+                settleTimes(Json(task), task);
         }
         result.push_back(std::move(team));
     }
@@ -144,9 +141,7 @@ std::optional<Json> ServiceData::details(const std::string& taskId)
         return result;
     if (known && !result.contains("deadline"))
         result["deadline"] = text(*known, "deadline");
-    settleTimes(result);
-    if (result.contains("deadline"))
-        result["deadline"] = currentDeadline(taskId, text(result, "deadline"));
+    settleTimes(known ? *known : result, result);
     return result;
 }
 
@@ -176,9 +171,7 @@ bool ServiceData::moveDeadline(const std::string& taskId, const std::string& dea
     const Json* known = task(taskId);
     if (!known)
         return false;
-    Json copy = *known;
-    settleTimes(copy);
-    m_movedDeadlines[taskId] = {text(copy, "deadline"), deadline};
+    m_movedDeadlines[taskId] = {text(*known, "deadline"), deadline};
     return true;
 }
 
@@ -226,19 +219,12 @@ const Json* ServiceData::task(const std::string& taskId) const
     return nullptr;
 }
 
-std::string ServiceData::currentDeadline(const std::string& taskId,
-                                         const std::string& deadline) const
+void ServiceData::settleTimes(const Json& task, Json& record) const
 {
-    const auto moved = m_movedDeadlines.find(taskId);
-    return moved != m_movedDeadlines.end() && moved->second.from == deadline ? moved->second.to
-                                                                             : deadline;
-}
-
-void ServiceData::settleTimes(Json& record) const
-{
+    const auto moved = m_movedDeadlines.find(text(task, "id"));
+    if (moved != m_movedDeadlines.end() && text(task, "deadline") == moved->second.from)
+        record["deadline"] = moved->second.to;
     for (const char* key : {"deadline", "last_comment"}) {
-        if (!record.contains(key))
-            continue;
         if (const auto seconds = offset(text(record, key)))
             record[key] = dateTime(m_start + *seconds);
     }

@@ -55,8 +55,8 @@ private:
 
     void refresh();
     const Json* task(const std::string& taskId) const;
-    std::string currentDeadline(const std::string& taskId, const std::string& deadline) const;
-    void settleTimes(Json& record) const;
+    /// Puts the times in the list entry or the details of a task as they are at present.
+    void settleTimes(const Json& task, Json& record) const;
 
     std::mutex m_mutex;
     const std::string m_file;

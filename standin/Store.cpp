@@ -71,8 +71,8 @@ Json Record::toJson() const
     return result;
 }
 
-Store::Store(fs::path folder)
-    : m_folder(std::move(folder))
+Store::Store(const fs::path& folder)
+    : m_folder(fs::absolute(folder))
 {
     fs::create_directories(m_folder);
     if (!std::ofstream(m_folder / requestLog, std::ios::app))

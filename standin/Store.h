@@ -38,7 +38,7 @@ struct DayTotals {
 class Store {
 public:
     /// Makes the folder. Throws std::runtime_error when it cannot be used.
-    explicit Store(std::filesystem::path folder);
+    explicit Store(const std::filesystem::path& folder);
 
     const std::filesystem::path& folder() const { return m_folder; }
 

@@ -51,9 +51,9 @@ public:
     ///
     /// The count is how many requests more it holds for, -1 without end. A delay lasts the given
     /// milliseconds, a hang until succeed() or at most so long (0: ten minutes). Mind that
-    /// QNetworkAccessManager itself sends a request again, up to three times in all, when the
-    /// connection ends without an answer: to be seen, a drop has to have no count or one above
-    /// that.
+    /// QNetworkAccessManager itself sends a request again, up to three times, when its connection
+    /// ends without an answer: a program is sure to see a drop only without a count, and one
+    /// "drop-kept" may confirm the same record up to four times.
     void fail(const QString& path, const QString& mode, int count = -1, int milliseconds = 0,
               const QByteArray& body = {});
     /// The path answers rightly again; what hangs on it is answered now.
