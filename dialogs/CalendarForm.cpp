@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dialogs/CalendarForm.h"
+
+#include "notifications/NotificationManager.h"
+#include "ui_CalendarForm.h"
+
+#include <QDebug>
+#include <QTableView>
+#include <QTextCharFormat>
+#include <QToolButton>
+
+namespace {
+
+void setArrow(QToolButton* button, const QString& resource)
+{
+    const QPixmap arrow(resource);
+    QIcon icon;
+    for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Active, QIcon::Selected}) {
+        icon.addPixmap(arrow, mode, QIcon::On);
+    }
+    button->setIcon(icon);
+}
+
+} // namespace
+
+CalendarForm::CalendarForm(QWidget* parent)
+    : AbstractTessaportForm(parent)
+    , m_ui(std::make_unique<Ui::CalendarForm>())
+{
+    qDebug() << "CalendarForm CalendarForm";
+    m_ui->setupUi(this);
+    // One rule of the style sheet serves the confirming buttons of all windows.
+    m_ui->pbOk->setObjectName(QStringLiteral("pbTessaport"));
+    m_ui->pbCancel->setObjectName(QStringLiteral("pbTessaport"));
+    setUpCalendar();
+    connect(m_ui->pbOk, &QPushButton::clicked, this, &CalendarForm::accept);
+    connect(m_ui->pbCancel, &QPushButton::clicked, this, &CalendarForm::reject);
+    setBackground(QStringLiteral(":/images/res/images/kalendar_fon.png"));
+    setWindowTitle(m_ui->lbTitle->text());
+}
+
+CalendarForm::~CalendarForm() = default;
+
+QDate CalendarForm::selectedDate() const
+{
+    qDebug() << "CalendarForm selectedDate";
+    return m_ui->calendarWidget->selectedDate();
+}
+
+QTime CalendarForm::selectedTime() const
+{
+    qDebug() << "CalendarForm selectedTime";
+    return m_ui->timeEdit->time();
+}
+
+QString CalendarForm::getReason() const
+{
+    qDebug() << "CalendarForm getReason";
+    return m_ui->reasonTextEdit->toPlainText();
+}
+
+void CalendarForm::accept()
+{
+    qDebug() << "CalendarForm accept";
+    if (m_ui->reasonTextEdit->toPlainText().trimmed().isEmpty()) {
+        NotificationManager::instance()->show(QStringLiteral("Введите причину переноса!"),
+                                              PlainNotification, QString());
+        return;
+    }
+    QDialog::accept();
+}
+
+void CalendarForm::setUpCalendar()
+{
+    QCalendarWidget* const calendar = m_ui->calendarWidget;
+    calendar->setLocale(QLocale(QLocale::Russian, QLocale::AnyCountry));
+    QTextCharFormat weekend = calendar->weekdayTextFormat(Qt::Saturday);
+    weekend.setForeground(QColor(249, 156, 0));
+    calendar->setWeekdayTextFormat(Qt::Saturday, weekend);
+    calendar->setWeekdayTextFormat(Qt::Sunday, weekend);
+    calendar->setAutoFillBackground(false);
+
+    // The panel shows through the days.
+    const auto days = calendar->findChild<QTableView*>(QStringLiteral("qt_calendar_calendarview"));
+    QPalette palette = days->palette();
+    palette.setColor(QPalette::AlternateBase, Qt::transparent);
+    palette.setColor(QPalette::Base, Qt::transparent);
+    days->setPalette(palette);
+
+    const auto month = calendar->findChild<QToolButton*>(QStringLiteral("qt_calendar_monthbutton"));
+    month->setEnabled(false);
+    month->setMenu(nullptr);
+    month->setFixedWidth(60);
+    const auto year = calendar->findChild<QToolButton*>(QStringLiteral("qt_calendar_yearbutton"));
+    year->setEnabled(false);
+    setArrow(calendar->findChild<QToolButton*>(QStringLiteral("qt_calendar_prevmonth")),
+             QStringLiteral(":/icons/res/icons/pbarrow_left.png"));
+    setArrow(calendar->findChild<QToolButton*>(QStringLiteral("qt_calendar_nextmonth")),
+             QStringLiteral(":/icons/res/icons/pbarrow_right.png"));
+
+    calendar->setStyleSheet(QStringLiteral(
+        "QMenu { font-size:12px; width: 150px; left: 20px;color:rgb(0, 0, 0);"
+        "background-color:rgb(232, 232, 232);selection-background-color:rgb(195, 195, 195);"
+        "selection-color:rgb(0, 0, 0);}"
+        "QToolButton {icon-size: 48px, 48px;background-color:transparent;"
+        "color:rgb(100, 100, 100);height: 15px; width: 40px;}"
+        "QAbstractItemView {selection-background-color: rgb(130, 130, 130);}"
+        "QTableView {color:rgb(100, 100, 100);}"));
+    calendar->setFont(QFont(font().family(), 10));
+}

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QTextBrowser>
+
+/// Shows a text of the service, as rich text where it looks like it. The text can't reach beyond
+/// itself: no file and no address is read for it, and a place holder stands for each picture that
+/// is not part of the text. A link to the web opens in the user's browser, any other does nothing.
+class ServiceTextBrowser : public QTextBrowser {
+    Q_OBJECT
+
+public:
+    explicit ServiceTextBrowser(QWidget* parent = nullptr);
+
+    QVariant loadResource(int type, const QUrl& name) override;
+};

@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dialogs/TaskListForm.h"
+
+#include "dialogs/PlainToolTip.h"
+#include "dialogs/TaskDescriptionForm.h"
+#include "mainwindow/AbstractMainForm.h"
+#include "service/TessaPort.h"
+#include "ui_TaskListForm.h"
+
+#include <QApplication>
+#include <QDesktopWidget>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalBlocker>
+
+namespace {
+
+constexpr int gridHeight = 26;
+constexpr char taskIdProperty[] = "task_id";
+
+// The picture named hovered is the one at rest and the one without a suffix is the hovered one;
+// this is on purpose.
+QString targetButtonStyle()
+{
+    return QStringLiteral(
+        "QPushButton{color:#646464}"
+        "QPushButton{border-image: "
+        "url(:/images/res/images/task_list_dialog/task_target_button_hovered.png);}"
+        "QPushButton:hover:!pressed:!checked{border-image: "
+        "url(:/images/res/images/task_list_dialog/task_target_button.png);}"
+        "QPushButton:checked{border-image: "
+        "url(:/images/res/images/task_list_dialog/task_target_button_pressed.png);}"
+        "QPushButton:pressed{border-image: "
+        "url(:/images/res/images/task_list_dialog/task_target_button_pressed.png);}");
+}
+
+} // namespace
+
+TaskListForm::TaskListForm(TessaPort* service, AbstractMainForm* mainForm, QWidget* parent)
+    : AbstractTessaportForm(parent)
+    , m_service(service)
+    , m_ui(std::make_unique<Ui::TaskListForm>())
+    , m_mainForm(mainForm)
+{
+    // A modal panel would lock the main window, whose second press has to close it.
+    setModal(false);
+    m_ui->setupUi(this);
+    setBackground(QStringLiteral(":/images/res/images/big_fon.png"));
+    setMovable(false);
+    const QRect area = QApplication::desktop()->availableGeometry(this);
+    move(area.right() - width(), area.bottom() - (height() + mainForm->height()));
+
+    const Session* session = service->session();
+    connect(service, &TessaPort::teamChanged, this, &TaskListForm::onCurrentTeamChanged);
+    connect(session, &Session::teamsUpdated, this, &TaskListForm::updateTeamCombobox);
+    connect(mainForm, &AbstractMainForm::showAll, this, &TaskListForm::showAll);
+    connect(mainForm, &AbstractMainForm::hideAll, this, &TaskListForm::hideAll);
+    m_currentTeamId = session->teamID();
+    updateTeamCombobox();
+}
+
+TaskListForm::~TaskListForm() = default;
+
+void TaskListForm::on_pbHide_clicked()
+{
+    hide();
+    for (const auto& entry : m_descriptions) {
+        entry.second->hide();
+    }
+}
+
+void TaskListForm::showAll()
+{
+    if (m_hiddenByHideAll) {
+        show();
+        m_hiddenByHideAll = false;
+    }
+}
+
+void TaskListForm::hideAll()
+{
+    if (isVisible()) {
+        hide();
+        m_hiddenByHideAll = true;
+    }
+}
+
+void TaskListForm::updateTeamCombobox()
+{
+    {
+        const QSignalBlocker blocker(m_ui->cbTeam);
+        m_ui->cbTeam->clear();
+        const QList<Team> teams = m_service->session()->teams();
+        for (const Team& team : teams) {
+            m_ui->cbTeam->addItem(QIcon(), team.name, team.id);
+            m_ui->cbTeam->setItemData(m_ui->cbTeam->count() - 1, plainToolTip(team.name),
+                                      Qt::ToolTipRole);
+        }
+    }
+
+    const int index = teamIndex(m_currentTeamId);
+    if (index < 0) {
+        return;
+    }
+    // The first team is current already and its list is not built here: only a change of the index
+    // builds a list, and this is on purpose.
+    m_ui->cbTeam->setCurrentIndex(index);
+    m_ui->cbTeam->setToolTip(m_ui->cbTeam->itemData(index, Qt::ToolTipRole).toString());
+}
+
+void TaskListForm::on_cbTeam_currentIndexChanged(int index)
+{
+    const QString teamId = m_ui->cbTeam->itemData(index, Qt::UserRole).toString();
+    if (teamId == m_currentTeamId && !m_firstFill) {
+        return;
+    }
+    fillList(teamId);
+    m_currentTeamId = teamId;
+    m_firstFill = false;
+}
+
+void TaskListForm::openTaskDescription()
+{
+    const auto button = qobject_cast<QPushButton*>(sender());
+    if (!button) {
+        return;
+    }
+    const QString taskId = button->property(taskIdProperty).toString();
+    TaskDescriptionForm* const form = description(taskId);
+    for (const auto& entry : m_descriptions) {
+        if (entry.second.get() != form) {
+            entry.second->hide();
+        }
+    }
+    if (form->isVisible()) {
+        form->hide();
+        return;
+    }
+    form->requestUpdateTask(taskId);
+    form->show();
+}
+
+void TaskListForm::onCurrentTeamChanged(const QString& teamId)
+{
+    m_ui->cbTeam->setCurrentIndex(teamIndex(teamId));
+}
+
+int TaskListForm::teamIndex(const QString& teamId) const
+{
+    return m_ui->cbTeam->findData(teamId, Qt::UserRole, Qt::MatchExactly | Qt::MatchCaseSensitive);
+}
+
+void TaskListForm::fillList(const QString& teamId)
+{
+    m_ui->listWidget->clear();
+    m_ui->listWidget->setGridSize(QSize(0, gridHeight));
+    const QList<Task> tasks = m_service->session()->tasks(teamId);
+    for (const Task& task : tasks) {
+        if (task.isUnassigned()) {
+            continue;
+        }
+        // The separator also stands before a deadline that is not there; this is on purpose.
+        const QString text = task.title + QStringLiteral(" | Истекает: ")
+            + task.deadline.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+        const auto item = new QListWidgetItem;
+        m_ui->listWidget->insertItem(m_ui->listWidget->count(), item);
+        m_ui->listWidget->setItemWidget(item, taskRow(task.id, text));
+    }
+    setWindowTitle(QStringLiteral("Задачи команды \"") + m_service->session()->team(teamId).name
+                   + QLatin1Char('"'));
+}
+
+QWidget* TaskListForm::taskRow(const QString& taskId, const QString& text)
+{
+    const auto row = new QWidget;
+
+    const auto label = new QLabel(row);
+    label->setObjectName(QStringLiteral("lbTask"));
+    label->setTextFormat(Qt::PlainText);
+    label->setText(text);
+    label->setToolTip(plainToolTip(text));
+    label->setFixedSize(m_ui->listWidget->width() - 112, 16);
+
+    const auto button = new QPushButton(row);
+    button->setStyleSheet(targetButtonStyle());
+    button->setFixedSize(84, 24);
+    button->setProperty(taskIdProperty, taskId);
+    button->setFocusPolicy(Qt::TabFocus);
+    button->setText(QStringLiteral("Цели задач"));
+    button->setAccessibleDescription(text);
+    connect(button, &QPushButton::clicked, this, &TaskListForm::openTaskDescription);
+
+    const auto layout = new QHBoxLayout(row);
+    layout->addWidget(label, 0, Qt::AlignLeft);
+    layout->addWidget(button, 0, Qt::AlignRight);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    layout->setContentsMargins(0, 0, 0, 0);
+    return row;
+}
+
+TaskDescriptionForm* TaskListForm::description(const QString& taskId)
+{
+    std::unique_ptr<TaskDescriptionForm>& form = m_descriptions[taskId];
+    if (!form) {
+        form = std::make_unique<TaskDescriptionForm>(taskId, m_service, this);
+        connect(m_mainForm, &AbstractMainForm::showAll, form.get(), &TaskDescriptionForm::showAll);
+        connect(m_mainForm, &AbstractMainForm::hideAll, form.get(), &TaskDescriptionForm::hideAll);
+    }
+    return form.get();
+}

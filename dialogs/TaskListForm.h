@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "dialogs/AbstractTessaportForm.h"
+
+#include <QString>
+
+#include <map>
+#include <memory>
+
+class AbstractMainForm;
+class TaskDescriptionForm;
+class TessaPort;
+
+namespace Ui {
+class TaskListForm;
+}
+
+/// The panel above the main window that lists the tasks of a team, each with a button for its
+/// details. It is used beside the other windows: it is not modal and can't be dragged. The list
+/// is built when another team is chosen and stays as it is in between.
+class TaskListForm : public AbstractTessaportForm {
+    Q_OBJECT
+
+public:
+    /// Neither the service nor the main window is owned; both have to outlive the form. The main
+    /// window has to have its height, since the form stands on top of it.
+    TaskListForm(TessaPort* service, AbstractMainForm* mainForm, QWidget* parent = nullptr);
+    ~TaskListForm() override;
+
+public slots:
+    /// Hides the list and all descriptions.
+    void on_pbHide_clicked();
+    /// Shows the list again if hideAll() has hidden it.
+    void showAll();
+    void hideAll();
+
+private slots:
+    void updateTeamCombobox();
+    void on_cbTeam_currentIndexChanged(int index);
+    void openTaskDescription();
+    void onCurrentTeamChanged(const QString& teamId);
+
+private:
+    int teamIndex(const QString& teamId) const;
+    void fillList(const QString& teamId);
+    QWidget* taskRow(const QString& taskId, const QString& text);
+    TaskDescriptionForm* description(const QString& taskId);
+
+    TessaPort* const m_service;
+    std::unique_ptr<Ui::TaskListForm> m_ui;
+    bool m_hiddenByHideAll = false;
+    AbstractMainForm* const m_mainForm;
+    /// By task id. Made on first use, kept whatever becomes of the list.
+    std::map<QString, std::unique_ptr<TaskDescriptionForm>> m_descriptions;
+    QString m_currentTeamId;
+    bool m_firstFill = true;
+};
