@@ -8,6 +8,11 @@
 
 class QxtGlobalShortcutPrivate;
 
+// Qt hides one entry of the meta-object from other programs; this class offers them all.
+#pragma push_macro("Q_DECL_HIDDEN_STATIC_METACALL")
+#undef Q_DECL_HIDDEN_STATIC_METACALL
+#define Q_DECL_HIDDEN_STATIC_METACALL
+
 /// A key combination that works whichever application has the focus. Belongs in the GUI thread.
 /// A combination can be held by one object only, on the whole desktop.
 class Q_DECL_EXPORT QxtGlobalShortcut : public QObject {
@@ -42,3 +47,5 @@ private:
     friend class QxtGlobalShortcutPrivate;
     std::unique_ptr<QxtGlobalShortcutPrivate> m_d;
 };
+
+#pragma pop_macro("Q_DECL_HIDDEN_STATIC_METACALL")
