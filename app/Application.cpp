@@ -24,6 +24,7 @@ Application::Application(int& argc, char** argv)
 {
     initResources();
     installFonts();
+    installPalette();
 }
 
 void Application::showMainForm()
