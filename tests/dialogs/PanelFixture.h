@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "mainwindow/AbstractMainForm.h"
+#include "service/TessaPort.h"
+
+#include <QApplication>
+
+/// A main window that does nothing by itself.
+class QuietMainForm : public AbstractMainForm {
+public:
+    explicit QuietMainForm(TessaPort* service)
+        : m_service(service)
+    {
+        resize(392, 73);
+    }
+    TessaPort* service() const override { return m_service; }
+    QIcon taskIcon(const Task&) const override { return {}; }
+    void updateAttention() override { }
+
+private:
+    TessaPort* const m_service;
+};
+
+/// A service client with a user signed in, who has no teams yet, and offline, so that nothing is
+/// asked of the service.
+class SignedInService : public TessaPort {
+public:
+    SignedInService()
+    {
+        static int users = 0;
+        session()->reset();
+        session()->load(QStringLiteral("user%1@example.com").arg(++users), QStringLiteral("demo"));
+        session()->setIsOnline(false);
+    }
+};
+
+/// The visible window of this class; null when there is none or more than one.
+template <class Form> Form* visibleForm()
+{
+    Form* found = nullptr;
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget* window : windows) {
+        const auto form = qobject_cast<Form*>(window);
+        if (!form || !form->isVisible())
+            continue;
+        if (found)
+            return nullptr;
+        found = form;
+    }
+    return found;
+}
+
+/// The text of a label among the form's children.
+inline QString labelText(const QWidget& form, const char* name)
+{
+    return form.findChild<QWidget*>(QLatin1String(name))->property("text").toString();
+}
