@@ -151,7 +151,8 @@ void NotificationForm::centreText()
 {
     QTextFrame* const frame = m_ui->leMessage->document()->rootFrame();
     QTextFrameFormat format = frame->frameFormat();
-    format.setMargin(0);
+    format.setTopMargin(0);
+    format.setBottomMargin(0);
     frame->setFrameFormat(format);
     const qreal spare = m_ui->leMessage->height() - m_ui->leMessage->document()->size().height();
     format.setTopMargin(std::max(0.0, std::floor(spare / 2)));
