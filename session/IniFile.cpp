@@ -1,14 +1,25 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "IniFile.h"
 
+#include <QDataStream>
+
 namespace {
+
+QByteArray streamOf(const QVariant& value)
+{
+    QByteArray content;
+    QDataStream stream(&content, QIODevice::WriteOnly);
+    stream << value;
+    return content;
+}
 
 bool isSameContent(const QVariant& stored, const QVariant& value)
 {
-    // Read back from a file, plain values are texts.
-    if (value.userType() == QMetaType::QVariantMap)
-        return stored.userType() == value.userType() && stored == value;
-    return stored.toString() == value.toString();
+    const int type = value.userType();
+    // Read back from a file, both are texts.
+    if (type == QMetaType::QString || type == QMetaType::Bool)
+        return stored.toString() == value.toString();
+    return stored.userType() == type && streamOf(stored) == streamOf(value);
 }
 
 } // namespace
@@ -17,11 +28,6 @@ IniFile::IniFile(const QString& path)
     : m_settings(path, QSettings::IniFormat)
     , m_stamp(stampOnDisk())
 {
-}
-
-QVariant IniFile::value(const QString& key, const QVariant& defaultValue) const
-{
-    return m_settings.value(key, defaultValue);
 }
 
 bool IniFile::takeOverChanges()
@@ -36,14 +42,10 @@ bool IniFile::takeOverChanges()
 
 void IniFile::setValue(const QString& key, const QVariant& value)
 {
-    if (!m_settings.contains(key) || !isSameContent(m_settings.value(key), value))
-        overwriteValue(key, value);
-}
-
-void IniFile::overwriteValue(const QString& key, const QVariant& value)
-{
     // QSettings has no place for a key without a name, and slashes alone name nothing.
     if (key.count(QLatin1Char('/')) == key.size())
+        return;
+    if (m_settings.contains(key) && isSameContent(m_settings.value(key), value))
         return;
     m_settings.setValue(key, value);
     m_hasUnwritten = true;

@@ -17,15 +17,16 @@ public:
 
     bool isOnDisk() const { return QFileInfo::exists(m_settings.fileName()); }
     QStringList keys() const { return m_settings.allKeys(); }
-    QVariant value(const QString& key, const QVariant& defaultValue = QVariant()) const;
+    QVariant value(const QString& key, const QVariant& defaultValue = QVariant()) const
+    {
+        return m_settings.value(key, defaultValue);
+    }
 
     /// Whether the file was changed or removed by something else since it was last read or
     /// written here; then its present content is taken over. Costs little when it was not.
     bool takeOverChanges();
     /// Sets what is not there yet, or there with another content.
     void setValue(const QString& key, const QVariant& value);
-    /// The same, without a look at what is there.
-    void overwriteValue(const QString& key, const QVariant& value);
     void clear();
     void write();
 

@@ -141,7 +141,7 @@ void Session::saveTeams()
     if (names != storedNames) {
         m_teamsSettings->clear();
         for (const Team& team : qAsConst(m_teams))
-            m_teamsSettings->overwriteValue(team.id, team.name);
+            m_teamsSettings->setValue(team.id, team.name);
     }
     m_teamsSettings->write();
 }
@@ -156,7 +156,7 @@ void Session::saveTasks()
             m_unsavedTasks.insert(id);
     }
     for (const QString& id : m_unsavedTasks)
-        m_tasksSettings->overwriteValue(id, QVariant::fromValue(m_tasks.tasks(id)));
+        m_tasksSettings->setValue(id, QVariant::fromValue(m_tasks.tasks(id)));
     m_unsavedTasks.clear();
     m_tasksSettings->write();
 }
@@ -168,7 +168,7 @@ void Session::saveTaskInfos()
             m_unsavedTaskInfos.insert(*id);
     }
     for (const QString& id : m_unsavedTaskInfos)
-        m_taskInfoSettings->overwriteValue(id, QVariant::fromValue(m_taskInfos.value(id)));
+        m_taskInfoSettings->setValue(id, QVariant::fromValue(m_taskInfos.value(id)));
     m_unsavedTaskInfos.clear();
     m_taskInfoSettings->write();
 }

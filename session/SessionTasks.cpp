@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "session/Session.h"
 
-#include "IniFile.h"
 #include "notifications/NotificationManager.h"
 #include "notifications/NotificationType.h"
 #include "session/TaskChanges.h"
 
-#include <QDataStream>
 #include <QDebug>
 #include <QFileInfo>
 
@@ -17,14 +15,6 @@ namespace {
 void showNotice(const QString& message, NotificationType type, const QString& taskId = QString())
 {
     NotificationManager::instance()->show(message, type, taskId);
-}
-
-QByteArray contentOf(const TaskInfo& info)
-{
-    QByteArray content;
-    QDataStream stream(&content, QIODevice::WriteOnly);
-    stream << info;
-    return content;
 }
 
 } // namespace
@@ -149,9 +139,6 @@ void Session::copyDeadlineToOtherTeams(const QString& teamId, const Task& task)
 
 void Session::setTaskInfo(const QString& id, const TaskInfo& info)
 {
-    const auto known = m_taskInfos.constFind(id);
-    if (known != m_taskInfos.constEnd() && contentOf(*known) == contentOf(info))
-        return;
     m_taskInfos.insert(id, info);
     m_unsavedTaskInfos.insert(id);
 }
