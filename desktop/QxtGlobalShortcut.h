@@ -17,6 +17,7 @@ class QxtGlobalShortcutPrivate;
 /// A combination can be held by one object only, on the whole desktop.
 class Q_DECL_EXPORT QxtGlobalShortcut : public QObject {
     Q_OBJECT
+    // clazy:excludeall=qproperty-without-notify
     Q_PROPERTY(bool enabled READ isEnabled WRITE setEnabled)
     Q_PROPERTY(QKeySequence shortcut READ shortcut WRITE setShortcut)
 
