@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/AboutForm.h"
 
+#include "res/Resources.h"
 #include "service/ServiceAddress.h"
 #include "service/TessaPort.h"
 #include "ui_AboutForm.h"
@@ -14,6 +15,7 @@ AboutForm::AboutForm(TessaPort* service, QWidget* parent)
     , m_service(service)
 {
     m_ui->setupUi(this);
+    m_ui->label->setPixmap(picture(QStringLiteral(":/images/res/images/TP.png")));
     m_ui->lbVersion->setText(QStringLiteral("Версия: ") + QCoreApplication::applicationVersion());
     m_ui->lbBuildDate->setText(QStringLiteral("Дата сборки: " __DATE__ ", " __TIME__));
     m_ui->lbUrl->setText(

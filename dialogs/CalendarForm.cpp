@@ -2,6 +2,7 @@
 #include "dialogs/CalendarForm.h"
 
 #include "notifications/NotificationManager.h"
+#include "res/Resources.h"
 #include "ui_CalendarForm.h"
 
 #include <QDebug>
@@ -13,11 +14,10 @@ namespace {
 
 void setArrow(QToolButton* button, const QString& resource)
 {
-    const QPixmap arrow(resource);
+    const QPixmap arrow = picture(resource);
     QIcon icon;
-    for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Active, QIcon::Selected}) {
+    for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Active, QIcon::Selected})
         icon.addPixmap(arrow, mode, QIcon::On);
-    }
     button->setIcon(icon);
 }
 
@@ -29,6 +29,7 @@ CalendarForm::CalendarForm(QWidget* parent)
 {
     qDebug() << "CalendarForm CalendarForm";
     m_ui->setupUi(this);
+    m_ui->lbIcon->setPixmap(picture(QStringLiteral(":/icons/res/icons/calendar_icon.png")));
     // One rule of the style sheet serves the confirming buttons of all windows.
     m_ui->pbOk->setObjectName(QStringLiteral("pbTessaport"));
     m_ui->pbCancel->setObjectName(QStringLiteral("pbTessaport"));

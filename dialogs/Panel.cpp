@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Panel.h"
 
+#include "res/Resources.h"
+
 #include <QApplication>
 #include <QDesktopWidget>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QPixmap>
 
 QImage panelImage(const QString& resource)
 {
-    // A pixmap looks for the file of a scaled screen by itself, an image does not.
-    return QPixmap(resource).toImage();
+    return picture(resource).toImage();
 }
 
 void paintPanel(QPainter& painter, const QImage& panel)

@@ -3,6 +3,7 @@
 
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/ScrollText.h"
+#include "res/Resources.h"
 #include "service/TessaPort.h"
 #include "ui_TaskDescriptionForm.h"
 
@@ -38,15 +39,12 @@ QString responsibleNames(const TaskInfo& taskInfo)
     const QString& creator = taskInfo.creatorName;
     const QString& auditor = taskInfo.auditorName;
     QStringList names;
-    if (!executor.isEmpty()) {
+    if (!executor.isEmpty())
         names << executor;
-    }
-    if (!creator.isEmpty() && creator != executor) {
+    if (!creator.isEmpty() && creator != executor)
         names << creator;
-    }
-    if (!auditor.isEmpty() && auditor != executor && auditor != creator) {
+    if (!auditor.isEmpty() && auditor != executor && auditor != creator)
         names << auditor;
-    }
     return names.join(QStringLiteral(", "));
 }
 
@@ -80,6 +78,9 @@ TaskDescriptionForm::TaskDescriptionForm(const QString& taskId, TessaPort* servi
     // A modal panel would lock the list, whose buttons have to close it.
     setModal(false);
     m_ui->setupUi(this);
+    m_ui->lbIcon->setPixmap(picture(QStringLiteral(":/images/pbComment.png")));
+    m_ui->lbAttIcon->setPixmap(
+        picture(QStringLiteral(":/images/res/images/task_desc_dialog/attachment_icon.png")));
     setBackground(QStringLiteral(":/images/res/images/big_fon.png"));
     setMovable(false);
     const QRect area = QApplication::desktop()->availableGeometry(this);
@@ -127,9 +128,8 @@ QString TaskDescriptionForm::size_human(float num)
 void TaskDescriptionForm::updateTask(const TaskInfo& taskInfo)
 {
     qDebug() << "TaskDescriptionForm updateTask";
-    if (taskInfo.id != m_taskId) {
+    if (taskInfo.id != m_taskId)
         return;
-    }
     m_titleText->setText(taskInfo.title);
     m_titleText->setToolTip(plainToolTip(taskInfo.title));
     m_ui->lbTaskDeadline->setText(

@@ -4,6 +4,7 @@
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/TaskDescriptionForm.h"
 #include "mainwindow/AbstractMainForm.h"
+#include "res/Resources.h"
 #include "service/TessaPort.h"
 #include "ui_TaskListForm.h"
 
@@ -46,6 +47,7 @@ TaskListForm::TaskListForm(TessaPort* service, AbstractMainForm* mainForm, QWidg
     // A modal panel would lock the main window, whose second press has to close it.
     setModal(false);
     m_ui->setupUi(this);
+    m_ui->lbIcon->setPixmap(picture(QStringLiteral(":/images/pbComment.png")));
     setBackground(QStringLiteral(":/images/res/images/big_fon.png"));
     setMovable(false);
     const QRect area = QApplication::desktop()->availableGeometry(this);
@@ -65,9 +67,8 @@ TaskListForm::~TaskListForm() = default;
 void TaskListForm::on_pbHide_clicked()
 {
     hide();
-    for (const auto& entry : m_descriptions) {
+    for (const auto& entry : m_descriptions)
         entry.second->hide();
-    }
 }
 
 void TaskListForm::showAll()
@@ -100,9 +101,8 @@ void TaskListForm::updateTeamCombobox()
     }
 
     const int index = teamIndex(m_currentTeamId);
-    if (index < 0) {
+    if (index < 0)
         return;
-    }
     // The first team is current already and its list is not built here: only a change of the index
     // builds a list, and this is on purpose.
     m_ui->cbTeam->setCurrentIndex(index);
@@ -112,9 +112,8 @@ void TaskListForm::updateTeamCombobox()
 void TaskListForm::on_cbTeam_currentIndexChanged(int index)
 {
     const QString teamId = m_ui->cbTeam->itemData(index, Qt::UserRole).toString();
-    if (teamId == m_currentTeamId && !m_firstFill) {
+    if (teamId == m_currentTeamId && !m_firstFill)
         return;
-    }
     fillList(teamId);
     m_currentTeamId = teamId;
     m_firstFill = false;
@@ -123,15 +122,13 @@ void TaskListForm::on_cbTeam_currentIndexChanged(int index)
 void TaskListForm::openTaskDescription()
 {
     const auto button = qobject_cast<QPushButton*>(sender());
-    if (!button) {
+    if (!button)
         return;
-    }
     const QString taskId = button->property(taskIdProperty).toString();
     TaskDescriptionForm* const form = description(taskId);
     for (const auto& entry : m_descriptions) {
-        if (entry.second.get() != form) {
+        if (entry.second.get() != form)
             entry.second->hide();
-        }
     }
     if (form->isVisible()) {
         form->hide();
@@ -157,9 +154,8 @@ void TaskListForm::fillList(const QString& teamId)
     m_ui->listWidget->setGridSize(QSize(0, gridHeight));
     const QList<Task> tasks = m_service->session()->tasks(teamId);
     for (const Task& task : tasks) {
-        if (task.isUnassigned()) {
+        if (task.isUnassigned())
             continue;
-        }
         // The separator also stands before a deadline that is not there; this is on purpose.
         const QString text = task.title + QStringLiteral(" | Истекает: ")
             + task.deadline.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));

@@ -9,6 +9,7 @@
 #include "dialogs/TaskListForm.h"
 #include "mainwindow/TimeText.h"
 #include "notifications/NotificationManager.h"
+#include "res/Resources.h"
 #include "service/TessaPort.h"
 #include "ui_MainForm.h"
 
@@ -35,8 +36,9 @@ QString buttonStyle(const QString& normal, const QString& hovered, const QString
 void MainForm::setupWindow()
 {
     m_ui->setupUi(this);
+    m_ui->label->setPixmap(picture(QStringLiteral(":/images/logo.png")));
     setAttribute(Qt::WA_TranslucentBackground);
-    m_mainImage.load(QStringLiteral(":/images/main.png"));
+    m_mainImage = picture(QStringLiteral(":/images/main.png")).toImage();
     setWindowFlags((windowFlags() & Qt::Dialog) | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint
                    | Qt::WindowStaysOnTopHint);
     const QRect available = QApplication::desktop()->availableGeometry(this);
