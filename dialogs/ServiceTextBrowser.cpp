@@ -9,9 +9,8 @@ namespace {
 
 void openWebPage(const QUrl& url)
 {
-    if (url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https")) {
+    if (url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https"))
         QDesktopServices::openUrl(url);
-    }
 }
 
 } // namespace
@@ -28,8 +27,7 @@ QVariant ServiceTextBrowser::loadResource(int type, const QUrl& name)
 {
     // For a picture that is not given here the document looks on the disk itself; one that is
     // part of its address it reads from there.
-    if (type == QTextDocument::ImageResource && name.scheme() != QLatin1String("data")) {
+    if (type == QTextDocument::ImageResource && name.scheme() != QLatin1String("data"))
         return style()->standardPixmap(QStyle::SP_FileIcon, nullptr, this);
-    }
     return {};
 }
