@@ -216,7 +216,7 @@ void TestTaskListForm::hideAllTakesAwayAndShowAllBringsBack()
 void TestTaskListForm::standsOnTheMainWindowAndLocksNothing()
 {
     makeForm(QStringLiteral("2"));
-    const QRect area = QApplication::desktop()->availableGeometry();
+    const QRect area = QApplication::desktop()->availableGeometry(m_form.get());
     QCOMPARE(m_form->pos(), QPoint(area.right() - 394, area.bottom() - (565 + 73)));
     QVERIFY(!m_form->isModal());
 }
