@@ -7,13 +7,15 @@
 
 namespace {
 
-// Scaling can only be set before the base class starts up.
+// Scaling can only be set before the base class starts up. The pictures are drawn for one and for
+// two pixels a unit; anything between blurs them, and rounded up it makes the task list outgrow a
+// small screen.
 int& withDisplayScaling(int& argc)
 {
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
-        Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+        Qt::HighDpiScaleFactorRoundingPolicy::RoundPreferFloor);
     return argc;
 }
 
