@@ -198,7 +198,6 @@ private slots:
         box.ensurePolished();
         QCOMPARE(box.maximumHeight(), 40);
 
-        // Text set in, and yet as wide as its picture.
         QLineEdit edit;
         edit.setObjectName(QStringLiteral("lbEmail"));
         edit.ensurePolished();
