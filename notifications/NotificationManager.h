@@ -11,7 +11,7 @@ class AbstractMainForm;
 class NotificationForm;
 
 /// The stack of notices in the lower right corner of the screen. What does not fit waits, unseen,
-/// until there is room.
+/// until there is room. All that is left at the end goes with the application object.
 class NotificationManager : public QObject {
     Q_OBJECT
 

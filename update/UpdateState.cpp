@@ -30,11 +30,14 @@ UpdateState* UpdateState::instance()
 void UpdateState::init(const DataDirectory* directory)
 {
     m_directory = directory;
-    m_settings = std::make_unique<QSettings>(directory->dataDir().filePath(stateFile),
-                                             QSettings::IniFormat);
+    m_settings =
+        std::make_unique<QSettings>(directory->dataDir().filePath(stateFile), QSettings::IniFormat);
 }
 
-QVariantList UpdateState::updateInfo() const { return m_settings->value(updateInfoKey).toList(); }
+QVariantList UpdateState::updateInfo() const
+{
+    return m_settings->value(updateInfoKey).toList();
+}
 
 void UpdateState::setUpdateInfo(const QByteArray& reply)
 {
@@ -61,7 +64,10 @@ bool UpdateState::updateAtStartup() const
     return m_settings->value(updateAtStartupKey, false).toBool();
 }
 
-bool UpdateState::wasUpdated() const { return m_settings->value(wasUpdatedKey, false).toBool(); }
+bool UpdateState::wasUpdated() const
+{
+    return m_settings->value(wasUpdatedKey, false).toBool();
+}
 
 void UpdateState::setWasUpdated(bool wasUpdated)
 {
