@@ -2,6 +2,9 @@
 #include "IniFile.h"
 
 #include <QDataStream>
+#include <QFile>
+
+#include <new>
 
 namespace {
 
@@ -26,17 +29,15 @@ bool isSameContent(const QVariant& stored, const QVariant& value)
 
 IniFile::IniFile(const QString& path)
     : m_settings(path, QSettings::IniFormat)
-    , m_stamp(stampOnDisk())
 {
+    read();
 }
 
 bool IniFile::takeOverChanges()
 {
-    const Stamp stamp = stampOnDisk();
-    if (stamp == m_stamp)
+    if (stampOnDisk() == m_stamp)
         return false;
-    m_settings.sync();
-    m_stamp = stampOnDisk();
+    read();
     return true;
 }
 
@@ -66,6 +67,19 @@ void IniFile::write()
     // QSettings keeps what it could not write, but not a word about it.
     m_hasUnwritten = stamp == m_stamp;
     m_stamp = stamp;
+}
+
+void IniFile::read()
+{
+    try {
+        m_settings.sync();
+        m_settings.allKeys();
+    } catch (const std::bad_alloc&) {
+        // Of a list that claims billions of elements Qt makes room for all of them first.
+        QFile::remove(m_settings.fileName());
+        m_settings.sync();
+    }
+    m_stamp = stampOnDisk();
 }
 
 IniFile::Stamp IniFile::stampOnDisk() const
