@@ -107,5 +107,7 @@ void CalendarForm::setUpCalendar()
         "color:rgb(100, 100, 100);height: 15px; width: 40px;}"
         "QAbstractItemView {selection-background-color: rgb(130, 130, 130);}"
         "QTableView {color:rgb(100, 100, 100);}"));
+    // That colours the days of the neighbouring months, too; they are the ones drawn as disabled.
+    days->setStyleSheet(QStringLiteral("QTableView:disabled {color: #B4B0A5;}"));
     calendar->setFont(QFont(font().family(), 10));
 }
