@@ -3,6 +3,7 @@
 
 #include "res/Resources.h"
 
+#include <QIcon>
 #include <QWidget>
 
 namespace {
@@ -27,6 +28,7 @@ Application::Application(int& argc, char** argv)
     initResources();
     installFonts();
     installPalette();
+    setWindowIcon(QIcon(QStringLiteral(":/icons/64.ico")));
 }
 
 void Application::showMainForm()
