@@ -19,6 +19,9 @@ void setArrow(QToolButton* button, const QString& resource)
     for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Active, QIcon::Selected})
         icon.addPixmap(arrow, mode, QIcon::On);
     button->setIcon(icon);
+    // The size of the picture, and not the one of the calendar's sheet: at that one the picture of
+    // a scaled screen would be drawn dot by dot, twice as large.
+    button->setStyleSheet(QStringLiteral("QToolButton {icon-size: 16px;}"));
 }
 
 } // namespace
