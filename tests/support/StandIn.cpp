@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/StandIn.h"
 
+#include "support/BoundProcess.h"
+
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QEventLoop>
@@ -8,26 +10,17 @@
 #include <QJsonDocument>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QSaveFile>
 #include <QTimer>
 #include <QUrlQuery>
 #include <QtDebug>
 
-#include <csignal>
 #include <functional>
-#include <sys/prctl.h>
 
 namespace {
 
 constexpr int startTimeout = 30000;
-
-/// Ends with the test program, also when that is killed.
-class BoundProcess : public QProcess {
-protected:
-    void setupChildProcess() override { prctl(PR_SET_PDEATHSIG, SIGKILL); }
-};
 
 void runEventLoop(int milliseconds)
 {
@@ -61,7 +54,8 @@ QJsonObject SeenRequest::record() const
     return QJsonDocument::fromJson(json).array().at(0).toObject();
 }
 
-StandIn::StandIn(const QJsonObject& data)
+StandIn::StandIn(const QJsonObject& data, int port)
+    : m_port(port)
 {
     setData(data);
     start();

@@ -24,12 +24,13 @@ struct SeenRequest {
     QJsonObject record() const;
 };
 
-/// A running stand-in for the service, on a free port of this machine, with data and a store of its
-/// own; gone with the object. Functions that wait or talk to it run a local event loop.
+/// A running stand-in for the service, on a port of this machine, with data and a store of its own;
+/// gone with the object. Functions that wait or talk to it run a local event loop.
 class StandIn {
 public:
-    /// Starts it; see isRunning() for whether that went well. Without data, demoData().
-    explicit StandIn(const QJsonObject& data = demoData());
+    /// Starts it; see isRunning() for whether that went well. Without data, demoData(); port 0 is a
+    /// free one.
+    explicit StandIn(const QJsonObject& data = demoData(), int port = 0);
     ~StandIn();
 
     /// The teams, tasks and account (demo@example.com, password demo) that it has built in.
@@ -83,5 +84,5 @@ private:
 
     QTemporaryDir m_directory;
     std::unique_ptr<QProcess> m_process;
-    int m_port = 0;
+    int m_port;
 };
