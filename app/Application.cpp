@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Application.h"
 
+#include "app/WindowShapes.h"
 #include "res/Resources.h"
 
 #include <QIcon>
@@ -28,6 +29,7 @@ Application::Application(int& argc, char** argv)
     initResources();
     installFonts();
     installPalette();
+    installEventFilter(new WindowShapes(this));
     setWindowIcon(QIcon(QStringLiteral(":/icons/64.ico")));
 }
 

@@ -23,4 +23,8 @@ QString desktopWindowTitle(WId window);
 /// A null rectangle for a window that is gone.
 QRect desktopWindowGeometry(WId window);
 
+/// Whether the system mixes translucent windows with what is behind them. Without that (X11 without
+/// a compositing manager) what a window leaves transparent is black.
+bool mixesTranslucentWindows();
+
 } // namespace platform

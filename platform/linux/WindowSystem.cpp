@@ -105,4 +105,9 @@ QRect desktopWindowGeometry(WId window)
     return content.adjusted(-int(frame[0]), -int(frame[2]), int(frame[1]), int(frame[3]));
 }
 
+bool mixesTranslucentWindows()
+{
+    return !QX11Info::isPlatformX11() || QX11Info::isCompositingManagerRunning();
+}
+
 } // namespace platform

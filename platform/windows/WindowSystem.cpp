@@ -55,4 +55,9 @@ QRect desktopWindowGeometry(WId window)
     return QRect(QPoint(rect.left, rect.top), QPoint(rect.right - 1, rect.bottom - 1));
 }
 
+bool mixesTranslucentWindows()
+{
+    return true;
+}
+
 } // namespace platform
