@@ -4,6 +4,7 @@
 #include <QDesktopServices>
 #include <QPixmap>
 #include <QStyle>
+#include <QTextOption>
 
 namespace {
 
@@ -11,6 +12,23 @@ void openWebPage(const QUrl& url)
 {
     if (url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https"))
         QDesktopServices::openUrl(url);
+}
+
+// Whether there is a word in the text that no screen could hold. What stands in a tag is no word.
+bool hasEndlessWord(const QString& text)
+{
+    constexpr int endless = 1000;
+    const bool isRich = Qt::mightBeRichText(text);
+    bool inTag = false;
+    int length = 0;
+    for (const QChar character : text) {
+        if (isRich && (character == QLatin1Char('<') || character == QLatin1Char('>')))
+            inTag = character == QLatin1Char('<');
+        length = inTag || character.isSpace() ? 0 : length + 1;
+        if (length > endless)
+            return true;
+    }
+    return false;
 }
 
 } // namespace
@@ -21,6 +39,16 @@ ServiceTextBrowser::ServiceTextBrowser(QWidget* parent)
     // Left to itself the browser would go to a link that is not an external one, and be empty.
     setOpenLinks(false);
     connect(this, &QTextBrowser::anchorClicked, this, &openWebPage);
+}
+
+void ServiceTextBrowser::setText(const QString& text)
+{
+    // To look for a place between words costs the square of the length of a word, also when the
+    // text that is there is arranged once more for the new mode.
+    clear();
+    setWordWrapMode(hasEndlessWord(text) ? QTextOption::WrapAnywhere
+                                         : QTextOption::WrapAtWordBoundaryOrAnywhere);
+    QTextBrowser::setText(text);
 }
 
 QVariant ServiceTextBrowser::loadResource(int type, const QUrl& name)

@@ -12,5 +12,7 @@ class ServiceTextBrowser : public QTextBrowser {
 public:
     explicit ServiceTextBrowser(QWidget* parent = nullptr);
 
+    void setText(const QString& text);
+
     QVariant loadResource(int type, const QUrl& name) override;
 };

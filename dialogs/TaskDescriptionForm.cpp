@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/TaskDescriptionForm.h"
 
+#include "RowList.h"
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/ScrollText.h"
 #include "res/Resources.h"
@@ -55,14 +56,6 @@ QLabel* rowLabel(const QString& text, QWidget* row)
     label->setTextFormat(Qt::PlainText);
     label->setText(text);
     return label;
-}
-
-void appendRow(QListWidget* list, QWidget* row)
-{
-    const auto item = new QListWidgetItem;
-    item->setData(Qt::SizeHintRole, row->sizeHint());
-    list->insertItem(list->count(), item);
-    list->setItemWidget(item, row);
 }
 
 } // namespace
@@ -205,10 +198,9 @@ void TaskDescriptionForm::on_cbTexts_currentIndexChanged(int index)
 
 void TaskDescriptionForm::updateAttachments(const QList<Attachment>& files)
 {
-    m_ui->listAttachments->clear();
-    m_ui->listAttachments->setGridSize(QSize(0, 25));
+    QVector<QWidget*> rows;
     for (const Attachment& file : files) {
-        const auto row = new QWidget;
+        QWidget* const row = newRow(m_ui->listAttachments);
         const auto name = rowLabel(file.filenameOrig, row);
         name->setToolTip(plainToolTip(file.filenameOrig));
         name->setFixedHeight(23);
@@ -218,8 +210,9 @@ void TaskDescriptionForm::updateAttachments(const QList<Attachment>& files)
         layout->addWidget(name, 0, Qt::AlignLeft);
         layout->addWidget(size, 0, Qt::AlignRight);
         layout->setContentsMargins(10, 0, 10, 0);
-        appendRow(m_ui->listAttachments, row);
+        rows << row;
     }
+    setRows(m_ui->listAttachments, 25, rows);
 }
 
 void TaskDescriptionForm::updateTextTasksCombobox(const TaskInfo& taskInfo)
@@ -252,12 +245,12 @@ void TaskDescriptionForm::updateTaskText(const TextTask& textTask)
 
 void TaskDescriptionForm::updateKeywords(const QList<Keyword>& keywords)
 {
-    m_ui->listKeywords->clear();
-    m_ui->listKeywords->setGridSize(QSize(0, 15));
+    QVector<QWidget*> rows;
     for (const Keyword& keyword : keywords) {
-        const auto row = new QWidget;
+        QWidget* const row = newRow(m_ui->listKeywords);
         const auto phrase = rowLabel(keyword.keyword, row);
         phrase->setFixedSize(180, 15);
+        phrase->setIndent(4);
         const auto exact = rowLabel(QStringLiteral("Точн. ") + keyword.count, row);
         exact->setFixedHeight(15);
         const auto inexact = rowLabel(QStringLiteral("Неточн. ") + keyword.count2, row);
@@ -268,6 +261,7 @@ void TaskDescriptionForm::updateKeywords(const QList<Keyword>& keywords)
         layout->addWidget(inexact, 0, Qt::AlignRight);
         layout->setSizeConstraint(QLayout::SetFixedSize);
         layout->setContentsMargins(0, 0, 0, 0);
-        appendRow(m_ui->listKeywords, row);
+        rows << row;
     }
+    setRows(m_ui->listKeywords, 15, rows);
 }

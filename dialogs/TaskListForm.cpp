@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/TaskListForm.h"
 
+#include "RowList.h"
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/TaskDescriptionForm.h"
 #include "mainwindow/AbstractMainForm.h"
@@ -17,7 +18,6 @@
 
 namespace {
 
-constexpr int gridHeight = 26;
 constexpr char taskIdProperty[] = "task_id";
 
 // The picture named hovered is the one at rest and the one without a suffix is the hovered one;
@@ -150,26 +150,24 @@ int TaskListForm::teamIndex(const QString& teamId) const
 
 void TaskListForm::fillList(const QString& teamId)
 {
-    m_ui->listWidget->clear();
-    m_ui->listWidget->setGridSize(QSize(0, gridHeight));
+    QVector<QWidget*> rows;
     const QList<Task> tasks = m_service->session()->tasks(teamId);
     for (const Task& task : tasks) {
         if (task.isUnassigned())
             continue;
         // The separator also stands before a deadline that is not there; this is on purpose.
-        const QString text = task.title + QStringLiteral(" | Истекает: ")
-            + task.deadline.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-        const auto item = new QListWidgetItem;
-        m_ui->listWidget->insertItem(m_ui->listWidget->count(), item);
-        m_ui->listWidget->setItemWidget(item, taskRow(task.id, text));
+        rows << taskRow(task.id,
+                        task.title + QStringLiteral(" | Истекает: ")
+                            + task.deadline.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
     }
+    setRows(m_ui->listWidget, 26, rows);
     setWindowTitle(QStringLiteral("Задачи команды \"") + m_service->session()->team(teamId).name
                    + QLatin1Char('"'));
 }
 
 QWidget* TaskListForm::taskRow(const QString& taskId, const QString& text)
 {
-    const auto row = new QWidget;
+    QWidget* const row = newRow(m_ui->listWidget);
 
     const auto label = new QLabel(row);
     label->setObjectName(QStringLiteral("lbTask"));
