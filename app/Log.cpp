@@ -30,8 +30,13 @@ void logMessageHandler(QtMsgType type, const QMessageLogContext&, const QString&
 {
     if (type > QtFatalMsg)
         return;
-    logStream << "Message(" << int(type) << ") at " << timestamp() << ": " << message << Qt::endl;
-    logStream.flush();
+    // A stream with nowhere to write, or one that failed once, would keep every line in memory.
+    if (logFile.isOpen()) {
+        logStream.resetStatus();
+        logStream << "Message(" << int(type) << ") at " << timestamp() << ": " << message
+                  << Qt::endl;
+        logStream.flush();
+    }
 
     // Line feed and carriage return in this order, on purpose.
     std::cout << "Message(" << QByteArray::number(type).constData() << ") at "

@@ -6,6 +6,7 @@
 #include "dialogs/LoginForm.h"
 #include "mainwindow/MainForm.h"
 #include "notifications/NotificationManager.h"
+#include "platform/Termination.h"
 #include "service/TessaPort.h"
 #include "update/ElevatedStart.h"
 #include "update/UpdateState.h"
@@ -60,10 +61,16 @@ bool continuesWithoutActivity()
 
 int main(int argc, char* argv[])
 {
+    // Looked at before Qt takes its own options out of the arguments.
+    const bool cleans = argc > 1 && std::strcmp(argv[1], "--clean") == 0;
     Application application(argc, argv);
     setIdentity();
+    platform::watchTermination(&application, [] { QCoreApplication::quit(); });
 
     TessaPort tessaPort;
+    // At the end of the desktop session the system may not leave time for more than this.
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, tessaPort.session(),
+                     &Session::save);
     UpdateState::instance()->init(&tessaPort);
     if (UpdateState::instance()->updateAtStartup()
         && tessaPort.runWinAppAsAdmin(updateProgram, QStringLiteral("--install-only")) > 32)
@@ -80,7 +87,7 @@ int main(int argc, char* argv[])
     QFile styleSheet(QStringLiteral(":/qss/main.qss"));
     applyStyleSheet(styleSheet);
 
-    if (argc > 1 && std::strcmp(argv[1], "--clean") == 0) {
+    if (cleans) {
         logFile.close();
         tessaPort.removeDirectory(tessaPort.dataDir().absolutePath());
         tessaPort.setNoSave(true);

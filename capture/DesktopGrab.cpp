@@ -38,5 +38,6 @@ QImage grabDesktop()
         painter.drawPixmap(pixelGeometry(*screen).topLeft() - desktop.topLeft(), grab);
         hasPicture = true;
     }
+    painter.end();
     return hasPicture ? image : QImage();
 }

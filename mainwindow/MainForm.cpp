@@ -88,6 +88,8 @@ void MainForm::setupTimers()
 void MainForm::setupConnections()
 {
     connect(m_tessaPort, &TessaPort::loginOk, this, &MainForm::updateForNewLogin);
+    // The clock is to show the new user's day, which may have no counters to tell of.
+    connect(m_tessaPort, &TessaPort::loginOk, this, &MainForm::updateTimerLbl);
     connect(m_tessaPort, &TessaPort::onlineChanged, this, &MainForm::updateOnlineState);
     const Session* session = m_tessaPort->session();
     connect(session, &Session::taskChanged, this, &MainForm::onTaskChange);

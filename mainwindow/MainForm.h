@@ -102,6 +102,7 @@ private:
     void updateNoticeButton();
     void toggleClockMode();
     void toggleTaskList();
+    bool isUpdateProcessRunning() const;
     /// Shows the button as pressed or not, without starting or stopping anything.
     void showPlayState(bool isRunning);
     /// Sends a picture of the desktop if one is due or forced.

@@ -320,6 +320,8 @@ void MainForm::on_pbTimeExtend_clicked()
 void MainForm::onRequestDeadlineAccepted()
 {
     auto* calendarForm = qobject_cast<CalendarForm*>(sender());
+    if (!calendarForm)
+        return;
     const QTime time = calendarForm->selectedTime();
     const QString reason = calendarForm->getReason();
     const QDate date = calendarForm->selectedDate();

@@ -157,6 +157,8 @@ void MainForm::onTaskChange()
         m_ui->pbPlay->setChecked(false);
         m_ui->pbPlay->setCheckable(false);
         m_lbTask->setText(QStringLiteral("Выбрать задачу"));
+        m_ui->pbTask->setIcon(taskIcon(Task()));
+        updateOverdueTime();
     } else {
         if (m_lbTask->text() != task.title)
             m_lbTask->setText(task.title);
@@ -218,10 +220,15 @@ void MainForm::checkNeedCloseToUpdate()
 {
     if (!UpdateState::instance()->forceUpdate())
         return;
-    if (platform::isProcessRunning(updateProgram))
+    if (isUpdateProcessRunning())
         on_actionExit_triggered();
     else
         UpdateState::instance()->setForceUpdate(false);
+}
+
+bool MainForm::isUpdateProcessRunning() const
+{
+    return platform::isProcessRunning(updateProgram);
 }
 
 void MainForm::showActivityMessage()

@@ -9,6 +9,8 @@
 #include <QRandomGenerator>
 #include <QUrl>
 
+#include <limits>
+
 namespace ReportFile {
 
 namespace {
@@ -18,12 +20,15 @@ constexpr QLatin1String apiUrlKey("api-url");
 constexpr QLatin1String bodyKey("body");
 constexpr QLatin1String timestampKey("timestamp");
 constexpr QLatin1String versionKey("version");
+constexpr QLatin1String unfinishedPrefix("unfinished.");
 
-// The arithmetic is that of unsigned 32-bit seconds, in which a time that can't be read is the
-// largest number.
+// The arithmetic is that of unsigned 32-bit seconds, in which a time that can't be read or is not
+// in their range is the largest number.
 quint32 seconds(const QDateTime& moment)
 {
-    return moment.isValid() ? quint32(moment.toSecsSinceEpoch()) : quint32(-1);
+    const qint64 seconds = moment.isValid() ? moment.toSecsSinceEpoch() : -1;
+    constexpr quint32 largest = std::numeric_limits<quint32>::max();
+    return seconds >= 0 && seconds <= largest ? quint32(seconds) : largest;
 }
 
 void attachPicture(QVariantMap& body)
@@ -54,7 +59,7 @@ QVariantMap report(const QVariant& apiUrl, const QVariant& body, const QDateTime
             {timestampKey, timestamp(now)}};
 }
 
-QVariantMap rebuilt(const QVariantMap& report, const QDateTime& now)
+QVariantMap rebuildLegacyReport(const QVariantMap& report, const QDateTime& now)
 {
     const QString written = report.value(timestampKey).toString();
     const auto age =
@@ -62,11 +67,23 @@ QVariantMap rebuilt(const QVariantMap& report, const QDateTime& now)
     QVariantMap body = report.value(bodyKey).toMap();
     QVariant& past = body[QStringLiteral("past")];
     past = QString::number(past.toLongLong() + age);
-    if (report.contains(versionKey))
-        attachPicture(body);
     return {{apiUrlKey, report.value(apiUrlKey)},
             {timestampKey, report.value(timestampKey)},
             {bodyKey, body}};
+}
+
+QVariantMap rebuildReport(const QVariantMap& report, const QDateTime& now)
+{
+    QVariantMap rebuilt = rebuildLegacyReport(report, now);
+    QVariantMap body = rebuilt.value(bodyKey).toMap();
+    attachPicture(body);
+    rebuilt[bodyKey] = body;
+    return rebuilt;
+}
+
+bool hasVersion(const QVariantMap& report)
+{
+    return report.contains(versionKey);
 }
 
 QByteArray payload(const QVariant& body)
@@ -78,27 +95,40 @@ QByteArray payload(const QVariant& body)
 std::unique_ptr<QTemporaryFile> write(const QString& directory, const QByteArray& content,
                                       const QDateTime& now)
 {
-    auto file = std::make_unique<QTemporaryFile>(directory + QStringLiteral("/unfinished.XXXXXX"));
+    auto file = std::make_unique<QTemporaryFile>(directory + QLatin1Char('/') + unfinishedPrefix
+                                                 + QLatin1String("XXXXXX"));
     file->setAutoRemove(false);
-    const bool written = file->open() && file->write(content) == content.size() && file->flush()
-        && platform::flushToDisk(*file);
-    bool named = false;
+    const bool isWritten = file->open() && file->write(content) == content.size() && file->flush();
+    // A disk that knows no such order is no reason to keep the report off it.
+    if (isWritten && !platform::flushToDisk(*file))
+        qWarning() << "Error! Report can't be flushed to the disk: " << file->errorString();
+
+    bool isNamed = false;
     // The random part keeps two reports of one second apart; the loop is for the odd case in
     // which they draw the same.
-    for (int attempt = 0; written && !named && attempt < 100; ++attempt) {
-        const quint32 suffix = QRandomGenerator::global()->generate();
-        named = file->rename(QStringLiteral("%1/json%2.%3")
-                                 .arg(directory, timestamp(now))
-                                 .arg(suffix, 7, 36, QLatin1Char('0')));
+    for (int attempt = 0; isWritten && !isNamed && attempt < 100; ++attempt) {
+        const QString suffix = QString::number(QRandomGenerator::global()->generate(), 36);
+        isNamed = file->rename(directory + QLatin1String("/json") + timestamp(now)
+                               + QLatin1Char('.') + suffix);
     }
-    if (!named) {
+    if (!isNamed) {
         qWarning() << "Error! Report can't be written: " << file->errorString();
-        file->remove();
+        if (file->exists())
+            file->remove();
         return nullptr;
     }
     file->close();
     platform::flushDirectoryToDisk(directory);
     return file;
+}
+
+void removeUnfinished(const QString& directory)
+{
+    QDir dir(directory);
+    const QStringList names =
+        dir.entryList({unfinishedPrefix + QLatin1Char('*')}, QDir::Files, QDir::Unsorted);
+    for (const QString& name : names)
+        dir.remove(name);
 }
 
 QString first(const QString& directory)

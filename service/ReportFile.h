@@ -20,11 +20,16 @@ QString timestamp(const QDateTime& moment);
 /// A report that is about to be written.
 QVariantMap report(const QVariant& apiUrl, const QVariant& body, const QDateTime& now);
 
-/// What is posted of a report: "api-url", "timestamp" and "body", with the seconds since the
-/// report was written added to the body's "past". When the report has a version and its body
-/// names a picture, the picture is read and put into the body; one that can't be read is logged
-/// and left out.
-QVariantMap rebuilt(const QVariantMap& report, const QDateTime& now);
+/// Whether a report says in which format it is.
+bool hasVersion(const QVariantMap& report);
+
+/// What is posted of a report without a version: "api-url", "timestamp" and "body", with the
+/// seconds since the report was written added to the body's "past".
+QVariantMap rebuildLegacyReport(const QVariantMap& report, const QDateTime& now);
+
+/// The same for a report with a version. When its body names a picture, the picture is read and
+/// put into the body; one that can't be read is logged and left out.
+QVariantMap rebuildReport(const QVariantMap& report, const QDateTime& now);
 
 /// The form data of a post: an array that holds the body alone, percent-encoded.
 QByteArray payload(const QVariant& body);
@@ -33,6 +38,9 @@ QByteArray payload(const QVariant& body);
 /// closed and stays when the object goes. Null when it could not be written.
 std::unique_ptr<QTemporaryFile> write(const QString& directory, const QByteArray& content,
                                       const QDateTime& now);
+
+/// Removes what a process that was killed while it wrote may have left.
+void removeUnfinished(const QString& directory);
 
 /// The name of the report that goes out first, which is the first by name, case ignored; empty
 /// when none waits. Reports of the beginning of a month thus go before older ones of the end of

@@ -6,9 +6,7 @@
 
 QString ServiceAddress::host()
 {
-    QUrl url(baseUrl());
-    url.setUserInfo(QString());
-    return url.authority();
+    return baseUrl().section(QStringLiteral("://"), 1);
 }
 
 QString ServiceAddress::url(const QString& path)

@@ -13,7 +13,7 @@ QString baseUrl();
 /// Whether a service whose certificate is not trusted is refused; a constant of the build.
 bool verifiesCertificates();
 
-/// Host, and port when the base URL has one, as they stand in every URL of the service.
+/// The base URL without its scheme, as it stands in every URL of the service.
 QString host();
 
 /// The base URL followed by a path, which starts with a slash.

@@ -2,6 +2,7 @@
 #include "service/TessaPort.h"
 
 #include "notifications/NotificationManager.h"
+#include "service/ReportFile.h"
 #include "service/ServiceAddress.h"
 #include "service/ServiceReply.h"
 #include "update/ElevatedStart.h"
@@ -11,25 +12,31 @@
 #include <QUrlQuery>
 
 const TessaPort::Endpoint TessaPort::endpoints[] = {
-    {SignIn, "/api_teams", &TessaPort::handleLogin},
-    {Refresh, "/api_teams_tasks", &TessaPort::handleTeamsAndTasks},
-    {Version, "/monitor/tpmc.version", &TessaPort::handleUpdate},
-    {Report, nullptr, &TessaPort::handleReportReply},
-    {DeadlineRequest, "/api_task_deadline_request", &TessaPort::handleDeadlineReply},
-    {Details, "/api_get_task", &TessaPort::handleTaskInfo},
-    {TimeSync, "/api_get_active", &TessaPort::handleTimeSync},
+    {SignIn, "/api_teams", &TessaPort::handleLogin, false},
+    {Refresh, "/api_teams_tasks", &TessaPort::handleTeamsAndTasks, true},
+    {Version, "/monitor/tpmc.version", &TessaPort::handleUpdate, false},
+    {Report, nullptr, &TessaPort::handleReportReply, false},
+    {DeadlineRequest, "/api_task_deadline_request", &TessaPort::handleDeadlineReply, false},
+    {Details, "/api_get_task", &TessaPort::handleTaskInfo, true},
+    {TimeSync, "/api_get_active", &TessaPort::handleTimeSync, true},
 };
 
 TessaPort::TessaPort(QObject* parent)
     : SessionOwner(parent)
 {
+    if (!session()->login().isEmpty())
+        ReportFile::removeUnfinished(activityDir());
     connect(&m_manager, &QNetworkAccessManager::finished, this, &TessaPort::replyFinished);
     connect(&m_manager, &QNetworkAccessManager::sslErrors, this, &TessaPort::sslErrorHandler);
     connect(&m_manager, &QNetworkAccessManager::networkAccessibleChanged, this,
             &TessaPort::networkAccessibleChangedHandler);
 }
 
-TessaPort::~TessaPort() = default;
+// What is to be saved is saved before the network goes, which can take its time.
+TessaPort::~TessaPort()
+{
+    closeSessions();
+}
 
 QUrl TessaPort::endpointUrl(Stage stage)
 {
@@ -47,6 +54,7 @@ QNetworkReply* TessaPort::get(Stage stage, const QUrlQuery& query)
         url.setQuery(query.query());
     QNetworkReply* reply = m_manager.get(QNetworkRequest(url));
     reply->setProperty("stage", stage);
+    reply->setProperty("login", session()->login());
     return reply;
 }
 
@@ -66,7 +74,11 @@ void TessaPort::replyFinished(QNetworkReply* reply)
     if (reply->error() == QNetworkReply::NoError) {
         const int stage = reply->property("stage").toInt();
         for (const Endpoint& endpoint : endpoints) {
-            if (endpoint.stage == stage)
+            // What was asked for another user, before a change of account, is of no use to this
+            // one.
+            const bool isForeign =
+                endpoint.isForSession && reply->property("login").toString() != session()->login();
+            if (endpoint.stage == stage && !isForeign)
                 (this->*endpoint.handler)(reply);
         }
     } else {

@@ -102,6 +102,7 @@ private:
         Stage stage;
         const char* path; ///< null where the address comes with the report
         void (TessaPort::*handler)(QNetworkReply*);
+        bool isForSession; ///< the reply goes into the session of the user who asked
     };
     static const Endpoint endpoints[7];
     static QUrl endpointUrl(Stage stage);

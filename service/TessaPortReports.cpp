@@ -70,10 +70,11 @@ void TessaPort::sendScreenshot(const QImage& image)
             .arg(activityDir(), ReportFile::timestamp(QDateTime::currentDateTime()))));
     // A picture that could not be written is found missing when its report goes out.
     if (picture.open(QIODevice::WriteOnly)) {
-        picture.write(jpeg.data());
-        picture.flush();
+        const bool isWhole = picture.write(jpeg.data()) == jpeg.size() && picture.flush();
         platform::flushToDisk(picture);
         picture.close();
+        if (!isWhole)
+            picture.remove();
     }
     body.insert(QStringLiteral("fileName"), picture.fileName());
     qDebug("Screenshot prepared");
@@ -89,6 +90,10 @@ void TessaPort::sendReport(const QString& path, const QVariantMap& body)
     }
     ++m_pendingReports;
     postReport(ReportFile::report(apiUrl, body, QDateTime::currentDateTime()), QString());
+    // Nothing is left that would remove its picture.
+    const QString picture = body.value(QStringLiteral("fileName")).toString();
+    if (!picture.isEmpty())
+        QFile::remove(picture);
 }
 
 std::unique_ptr<QTemporaryFile> TessaPort::writeReportFile(const QVariant& apiUrl,
@@ -105,8 +110,11 @@ void TessaPort::sendReportFile(std::unique_ptr<QFile> file)
 {
     if (!file->open(QIODevice::ReadOnly))
         return;
-    ++m_pendingReports;
     const QByteArray content = file->readAll();
+    // What can't be read today is not broken.
+    if (file->error() != QFileDevice::NoError)
+        return;
+    ++m_pendingReports;
     file->close();
     const QVariantMap report = reportIn(content);
     if (report.value(QStringLiteral("api-url")).toString().isEmpty()) {
@@ -123,7 +131,10 @@ void TessaPort::sendReportFile(std::unique_ptr<QFile> file)
 
 void TessaPort::postReport(const QVariantMap& report, const QString& fileName)
 {
-    const QVariantMap rebuilt = ReportFile::rebuilt(report, QDateTime::currentDateTime());
+    const QDateTime now = QDateTime::currentDateTime();
+    const QVariantMap rebuilt = ReportFile::hasVersion(report)
+        ? ReportFile::rebuildReport(report, now)
+        : ReportFile::rebuildLegacyReport(report, now);
     const QUrl url = rebuilt.value(QStringLiteral("api-url")).toUrl();
     const QVariantMap body = rebuilt.value(QStringLiteral("body")).toMap();
     qDebug() << url.toString();

@@ -2,6 +2,7 @@
 #include "service/TessaPort.h"
 
 #include "notifications/NotificationManager.h"
+#include "service/ReportFile.h"
 #include "service/ServiceReply.h"
 #include "update/UpdateState.h"
 
@@ -44,6 +45,10 @@ void TessaPort::handleLogin(QNetworkReply* reply)
 {
     if (!checkReply(reply->readAll()))
         return;
+    // The second answer to a sign-in that was sent twice: the first one has used the credentials
+    // up.
+    if (loginSession()->login().isEmpty())
+        return;
     qDebug() << "Login as " << loginSession()->login();
     if (!session()->login().isEmpty()) {
         session()->save();
@@ -51,6 +56,7 @@ void TessaPort::handleLogin(QNetworkReply* reply)
     }
     session()->load(loginSession()->login(), loginSession()->password());
     session()->setLogged(true);
+    ReportFile::removeUnfinished(activityDir());
     loginSession()->reset();
     emit loginOk();
 }

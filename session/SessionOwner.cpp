@@ -20,6 +20,13 @@ SessionOwner::SessionOwner(QObject* parent)
 
 SessionOwner::~SessionOwner()
 {
+    closeSessions();
+}
+
+void SessionOwner::closeSessions()
+{
+    if (!m_session)
+        return;
     if (!m_noSave)
         m_session->save();
     m_session.reset();

@@ -31,6 +31,10 @@ public:
     void removeOldData();
 
 protected:
+    /// Saves the current session unless told not to, and lets both go; the first thing that the
+    /// destructor of whoever derives from this does, and harmless when done already.
+    void closeSessions();
+
     /// The login and password that were typed and that the service has not accepted yet; it has
     /// no files.
     Session* loginSession() const { return m_loginSession.get(); }

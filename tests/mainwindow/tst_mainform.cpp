@@ -62,6 +62,7 @@ struct Strip {
         UpdateState::instance()->init(service.get());
         session = service->session();
         session->load(QStringLiteral("a@b"), QStringLiteral("p"));
+        session->setWorktimeDate(QDate::currentDate());
         session->setTeamID(teamId);
         session->setTasks({task(QStringLiteral("1")), task(QStringLiteral("2")), unassignedTask()},
                           teamId);
@@ -314,10 +315,12 @@ void tst_MainForm::overdueLabels()
 {
     Strip strip;
     auto* label = strip.form->findChild<QLabel*>(QStringLiteral("lbOverdueTime"));
-    QVERIFY(label->isHidden());
     Task late = task(QStringLiteral("1"));
+    late.deadline = QDateTime::currentDateTime().addSecs(60);
+    strip.session->setTasks({late, unassignedTask()}, teamId);
+    QVERIFY(label->isHidden());
     late.deadline = QDateTime::currentDateTime().addSecs(-2 * 3600 - 5);
-    strip.session->setTasks({late}, teamId);
+    strip.session->setTasks({late, unassignedTask()}, teamId);
     QVERIFY(!label->isHidden());
     QCOMPARE(label->text(), QStringLiteral("2ч. "));
     QCOMPARE(label->toolTip(), late.deadline.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
@@ -378,6 +381,8 @@ void tst_MainForm::visibility()
     QCOMPARE(toggle->text(), QStringLiteral("Показать"));
     toggle->trigger();
     QVERIFY(strip.form->isVisible());
+    strip.form->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(strip.form.get()));
     QTest::keyClick(strip.form.get(), Qt::Key_Escape);
     QTRY_VERIFY(strip.form->isHidden());
 }

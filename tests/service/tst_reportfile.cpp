@@ -48,7 +48,7 @@ void tst_ReportFile::age()
                        {QStringLiteral("version"), QStringLiteral("0.1")},
                        {QStringLiteral("extra"), 1},
                        {QStringLiteral("body"), QVariantMap{{QStringLiteral("past"), pastBefore}}}};
-    const QVariantMap rebuilt = ReportFile::rebuilt(report, now);
+    const QVariantMap rebuilt = ReportFile::rebuildReport(report, now);
     QCOMPARE(rebuilt.keys(),
              QStringList(
                  {QStringLiteral("api-url"), QStringLiteral("body"), QStringLiteral("timestamp")}));
@@ -70,17 +70,13 @@ void tst_ReportFile::picture()
                            {QStringLiteral("email"), QStringLiteral("e")}};
     QVariantMap report = ReportFile::report(QStringLiteral("u"), body, now);
     const auto file = [&] {
-        return ReportFile::rebuilt(report, now)[QStringLiteral("body")].toMap().value(
+        return ReportFile::rebuildReport(report, now)[QStringLiteral("body")].toMap().value(
             QStringLiteral("file"));
     };
     QCOMPARE(file().toString().toLatin1(), bytes.toBase64());
 
     QVERIFY(picture.remove());
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("can't be opened")));
-    QVERIFY(!file().isValid());
-
-    // An earlier program put the picture into the file itself.
-    report.remove(QStringLiteral("version"));
     QVERIFY(!file().isValid());
 }
 

@@ -95,7 +95,7 @@ void tst_Reports::activity()
     const QRegularExpression wire(QStringLiteral(
         R"(^data=\[\{"active":"7","email":"demo@example.com","past":"[01]","task_id":"я&5",)"
         R"("team_id":"17","version":"1.1.0"\}\]$)"));
-    QVERIFY2(wire.match(QString::fromUtf8(body)).hasMatch(), body);
+    QVERIFY2(wire.match(QString::fromUtf8(body)).hasMatch(), body.constData());
 }
 
 void tst_Reports::screenshot()

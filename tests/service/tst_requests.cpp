@@ -42,7 +42,9 @@ void tst_Requests::queries_data()
     QTest::newRow("time") << "/api_get_active"
                           << "17"
                           << "&task_id=17";
-    QTest::newRow("time without a team") << "/api_get_active" << QString() << "&task_id=";
+    QTest::newRow("time with an empty team") << "/api_get_active"
+                                             << ""
+                                             << "&task_id=";
     QTest::newRow("time of the unassigned row") << "/api_get_active"
                                                 << "0" << QString();
 }
