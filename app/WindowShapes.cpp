@@ -7,13 +7,23 @@
 #include <QEvent>
 #include <QWidget>
 
+#include <algorithm>
+
 namespace {
 
-// The pixels that are more opaque than not, as the window paints itself now.
+// The pixels that are as good as opaque, as the window paints itself now. The half transparent ones
+// at its corners would be dark dots.
 QBitmap panelShape(QWidget* window)
 {
-    const QImage image = window->grab().toImage().scaled(window->size());
-    return QBitmap::fromImage(image.createAlphaMask(Qt::ThresholdDither));
+    constexpr int opaque = 0xE0;
+    QImage image =
+        window->grab().toImage().scaled(window->size()).convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        const auto line = reinterpret_cast<QRgb*>(image.scanLine(y));
+        std::replace_if(
+            line, line + image.width(), [](QRgb pixel) { return qAlpha(pixel) < opaque; }, 0);
+    }
+    return QBitmap::fromImage(image.createAlphaMask());
 }
 
 } // namespace
