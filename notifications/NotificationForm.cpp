@@ -4,6 +4,7 @@
 
 #include "mainwindow/AbstractMainForm.h"
 #include "notifications/NotificationType.h"
+#include "res/Resources.h"
 #include "service/ServiceAddress.h"
 #include "update/ElevatedStart.h"
 #include "update/UpdateState.h"
@@ -27,7 +28,7 @@ NotificationForm::NotificationForm(const QString& message, int type, const QStri
     , m_type(type)
     , m_mainForm(mainForm)
     , m_taskId(taskId)
-    , m_background(QStringLiteral(":/images/bg_notifications_withLogo.png"))
+    , m_background(picture(QStringLiteral(":/images/bg_notifications_withLogo.png")))
 {
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_TranslucentBackground);
