@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/Log.h"
+#include "app/SingleInstance.h"
+#include "support/TestMain.h"
+
+class tst_Log : public QObject {
+    Q_OBJECT
+
+private slots:
+    void lines();
+    void sizeLimit_data();
+    void sizeLimit();
+    void unwritable();
+    void singleInstance();
+
+private:
+    static QByteArray content()
+    {
+        QFile file(logFile.fileName());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    QTemporaryDir m_directory;
+};
+
+void tst_Log::lines()
+{
+    openLog(m_directory.filePath(QStringLiteral("log.log")));
+    const QMessageLogContext context("file", 1, "function", "category");
+    const QDateTime before = QDateTime::currentDateTimeUtc();
+    logMessageHandler(QtDebugMsg, context, QStringLiteral("Monitor started"));
+    logMessageHandler(QtInfoMsg, context, QStringLiteral("nowhere"));
+    logMessageHandler(QtWarningMsg, context, QStringLiteral("two\nlines"));
+    const QString text = QString::fromLocal8Bit(content());
+    const QRegularExpressionMatch match =
+        QRegularExpression(
+            QStringLiteral(
+                R"(^Message\(0\) at (\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ): Monitor started\n)"
+                R"(Message\(1\) at \S+Z: two\nlines\n$)"))
+            .match(text);
+    QVERIFY2(match.hasMatch(), qPrintable(text));
+    const QDateTime written = QDateTime::fromString(match.captured(1), Qt::ISODate);
+    QVERIFY(before.secsTo(written) >= -1 && before.secsTo(written) < 60);
+    logFile.close();
+}
+
+void tst_Log::sizeLimit_data()
+{
+    QTest::addColumn<qint64>("before");
+    QTest::addColumn<qint64>("after");
+    QTest::newRow("the largest") << largestLog << largestLog;
+    QTest::newRow("a byte more") << largestLog + 1 << 0LL;
+}
+
+void tst_Log::sizeLimit()
+{
+    QFETCH(qint64, before);
+    const QString path = m_directory.filePath(QStringLiteral("large.log"));
+    QFile large(path);
+    QVERIFY(large.open(QIODevice::WriteOnly));
+    QVERIFY(large.resize(before));
+    large.close();
+    openLog(path);
+    QTEST(logFile.size(), "after");
+    logFile.close();
+    QVERIFY(large.remove());
+}
+
+// A full disk, for a while: what is lost stays lost, and the log goes on.
+void tst_Log::unwritable()
+{
+    openLog(m_directory.path());
+    QVERIFY(!logFile.isOpen());
+    logMessageHandler(QtDebugMsg, QMessageLogContext(), QStringLiteral("to standard output alone"));
+
+    openLog(m_directory.filePath(QStringLiteral("again.log")));
+    logStream.setStatus(QTextStream::WriteFailed);
+    logMessageHandler(QtDebugMsg, QMessageLogContext(), QStringLiteral("after a failure"));
+    QVERIFY(content().contains("after a failure"));
+    QVERIFY(!content().contains("standard output"));
+    logFile.close();
+}
+
+// The lock is held as long as the process lives, and asking again does not give it away.
+void tst_Log::singleInstance()
+{
+    QCoreApplication::setApplicationName(m_directory.path());
+    QVERIFY(isSingleInstance());
+    QVERIFY(!isSingleInstance());
+    QVERIFY(!isSingleInstance());
+}
+
+TESSAPORT_TEST_MAIN(tst_Log, QCoreApplication)
+
+#include "tst_log.moc"
