@@ -6,7 +6,7 @@
 #include "session/TaskLists.h"
 
 #include <QDate>
-#include <QMap>
+#include <QHash>
 #include <QTime>
 #include <QVariant>
 
@@ -157,7 +157,7 @@ private:
     std::unique_ptr<IniFile> m_tasksSettings;
     std::unique_ptr<IniFile> m_taskInfoSettings;
     TaskLists m_tasks;
-    QMap<QString, TaskInfo> m_taskInfos;
+    QHash<QString, TaskInfo> m_taskInfos;
     QList<Team> m_teams;
     QVariantMap m_task2activeTimeMap;
     // The keys of tasks.ini and taskInfo.ini whose values are newer than the file's.
