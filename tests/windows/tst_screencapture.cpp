@@ -8,6 +8,8 @@
 
 #include <functional>
 
+Q_DECLARE_METATYPE(std::function<void()>)
+
 namespace {
 
 constexpr int headersSize = 54;
@@ -151,8 +153,6 @@ void ScreenCaptureTest::failures()
         QCOMPARE(QByteArray(error.what()), text);
     }
 }
-
-Q_DECLARE_METATYPE(std::function<void()>)
 
 TESSAPORT_TEST_MAIN(ScreenCaptureTest, QGuiApplication)
 #include "tst_screencapture.moc"
