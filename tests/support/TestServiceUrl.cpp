@@ -13,8 +13,17 @@ QString& testServiceUrl()
 
 } // namespace
 
-void setTestServiceUrl(const QString& url) { testServiceUrl() = url; }
+void setTestServiceUrl(const QString& url)
+{
+    testServiceUrl() = url;
+}
 
-QString ServiceAddress::baseUrl() { return testServiceUrl(); }
+QString ServiceAddress::baseUrl()
+{
+    return testServiceUrl();
+}
 
-bool ServiceAddress::verifiesCertificates() { return false; }
+bool ServiceAddress::verifiesCertificates()
+{
+    return false;
+}
