@@ -131,7 +131,7 @@ void TestCalendarForm::monthsAreTurnedByTheArrowsAlone()
         return calendar->findChild<QToolButton*>(QLatin1String(name));
     };
     calendar->setCurrentPage(2020, 4);
-    QCOMPARE(tool("qt_calendar_monthbutton")->text(), QStringLiteral("Апрель"));
+    QCOMPARE(tool("qt_calendar_monthbutton")->text().toLower(), QStringLiteral("апрель"));
     QVERIFY(!tool("qt_calendar_monthbutton")->isEnabled());
     QVERIFY(!tool("qt_calendar_yearbutton")->isEnabled());
     tool("qt_calendar_nextmonth")->click();
