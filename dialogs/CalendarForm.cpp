@@ -84,6 +84,11 @@ void CalendarForm::setUpCalendar()
     calendar->setWeekdayTextFormat(Qt::Sunday, weekend);
     calendar->setAutoFillBackground(false);
 
+    // Russian writes months and days small, but these stand alone.
+    QTextCharFormat header = calendar->headerTextFormat();
+    header.setFontCapitalization(QFont::Capitalize);
+    calendar->setHeaderTextFormat(header);
+
     // The panel shows through the days.
     const auto days = calendar->findChild<QTableView*>(QStringLiteral("qt_calendar_calendarview"));
     QPalette palette = days->palette();
@@ -95,6 +100,9 @@ void CalendarForm::setUpCalendar()
     month->setEnabled(false);
     month->setMenu(nullptr);
     month->setFixedWidth(60);
+    QFont monthFont = month->font();
+    monthFont.setCapitalization(QFont::Capitalize);
+    month->setFont(monthFont);
     const auto year = calendar->findChild<QToolButton*>(QStringLiteral("qt_calendar_yearbutton"));
     year->setEnabled(false);
     setArrow(calendar->findChild<QToolButton*>(QStringLiteral("qt_calendar_prevmonth")),
