@@ -4,6 +4,7 @@
 #include "Panel.h"
 #include "ui_AbstractTessaportForm.h"
 
+#include <QEvent>
 #include <QPainter>
 
 AbstractTessaportForm::AbstractTessaportForm(QWidget* parent)
@@ -30,6 +31,10 @@ void AbstractTessaportForm::setBackground(const QString& resource)
 bool AbstractTessaportForm::eventFilter(QObject* object, QEvent* event)
 {
     if (m_movable && object == this) {
+        // Comes once, before the form is shown, when the subclass has made its children.
+        if (event->type() == QEvent::Polish) {
+            keepMouseWithButtons(this);
+        }
         dragWindow(this, m_lastMousePos, event);
     }
     return QDialog::eventFilter(object, event);

@@ -51,6 +51,7 @@ LoginForm::LoginForm(TessaPort* service, QWidget* parent)
     }
     // After the connections by name, which it would break; the style sheet goes by this name.
     m_ui->pbEnter->setObjectName(QStringLiteral("pbTessaport"));
+    keepMouseWithButtons(this);
     setAttribute(Qt::WA_TranslucentBackground);
     // Qt::Dialog with Qt::Popup is Qt::Tool, unlike the other dialogs, on purpose.
     setWindowFlags((windowFlags() & Qt::Dialog) | Qt::Popup | Qt::FramelessWindowHint

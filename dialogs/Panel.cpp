@@ -3,6 +3,7 @@
 
 #include "res/Resources.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDesktopWidget>
 #include <QMouseEvent>
@@ -31,6 +32,14 @@ void dragWindow(QWidget* window, QPoint& lastMousePos, QEvent* event)
     } else if (event->type() == QEvent::MouseButtonPress) {
         lastMousePos = static_cast<QMouseEvent*>(event)->globalPos();
         event->accept();
+    }
+}
+
+void keepMouseWithButtons(QWidget* window)
+{
+    const auto buttons = window->findChildren<QAbstractButton*>();
+    for (QAbstractButton* const button : buttons) {
+        button->setAttribute(Qt::WA_NoMousePropagation);
     }
 }
 

@@ -22,4 +22,8 @@ void paintPanel(QPainter& painter, const QImage& panel);
 /// window does not feed back into the motion.
 void dragWindow(QWidget* window, QPoint& lastMousePos, QEvent* event);
 
+/// Makes the buttons of a window that can be dragged keep a move past their edge. They would leave
+/// it to the window, which never saw the press and would jump.
+void keepMouseWithButtons(QWidget* window);
+
 void centreOnScreen(QWidget* window);
