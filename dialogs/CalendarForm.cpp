@@ -84,11 +84,6 @@ void CalendarForm::setUpCalendar()
     calendar->setWeekdayTextFormat(Qt::Sunday, weekend);
     calendar->setAutoFillBackground(false);
 
-    // Russian writes months and days small, but these stand alone.
-    QTextCharFormat header = calendar->headerTextFormat();
-    header.setFontCapitalization(QFont::Capitalize);
-    calendar->setHeaderTextFormat(header);
-
     // The panel shows through the days.
     const auto days = calendar->findChild<QTableView*>(QStringLiteral("qt_calendar_calendarview"));
     QPalette palette = days->palette();
@@ -100,9 +95,6 @@ void CalendarForm::setUpCalendar()
     month->setEnabled(false);
     month->setMenu(nullptr);
     month->setFixedWidth(60);
-    QFont monthFont = month->font();
-    monthFont.setCapitalization(QFont::Capitalize);
-    month->setFont(monthFont);
     const auto year = calendar->findChild<QToolButton*>(QStringLiteral("qt_calendar_yearbutton"));
     year->setEnabled(false);
     setArrow(calendar->findChild<QToolButton*>(QStringLiteral("qt_calendar_prevmonth")),
@@ -121,4 +113,13 @@ void CalendarForm::setUpCalendar()
     // That colours the days of the neighbouring months, too; they are the ones drawn as disabled.
     days->setStyleSheet(QStringLiteral("QTableView:disabled {color: #B4B0A5;}"));
     calendar->setFont(QFont(font().family(), 10));
+
+    // Russian writes months and days small, but these stand alone.
+    QTextCharFormat header = calendar->headerTextFormat();
+    header.setFontCapitalization(QFont::Capitalize);
+    calendar->setHeaderTextFormat(header);
+    QFont titleFont = calendar->font();
+    titleFont.setCapitalization(QFont::Capitalize);
+    month->setFont(titleFont);
+    year->setFont(titleFont);
 }

@@ -58,6 +58,7 @@ TaskListForm::TaskListForm(TessaPort* service, AbstractMainForm* mainForm, QWidg
     connect(session, &Session::teamsUpdated, this, &TaskListForm::updateTeamCombobox);
     connect(mainForm, &AbstractMainForm::showAll, this, &TaskListForm::showAll);
     connect(mainForm, &AbstractMainForm::hideAll, this, &TaskListForm::hideAll);
+    connect(qApp, &QApplication::focusChanged, this, &TaskListForm::scrollToFocus);
     m_currentTeamId = session->teamID();
     updateTeamCombobox();
 }
@@ -141,6 +142,16 @@ void TaskListForm::openTaskDescription()
 void TaskListForm::onCurrentTeamChanged(const QString& teamId)
 {
     m_ui->cbTeam->setCurrentIndex(teamIndex(teamId));
+}
+
+void TaskListForm::scrollToFocus()
+{
+    const QWidget* const focus = QApplication::focusWidget();
+    QWidget* const viewport = m_ui->listWidget->viewport();
+    if (focus && viewport->isAncestorOf(focus)) {
+        const QPoint place = focus->mapTo(viewport, focus->rect().center());
+        m_ui->listWidget->scrollToItem(m_ui->listWidget->itemAt(place));
+    }
 }
 
 int TaskListForm::teamIndex(const QString& teamId) const

@@ -42,6 +42,8 @@ private slots:
     void onCurrentTeamChanged(const QString& teamId);
 
 private:
+    /// Keeps the button that has the keyboard focus in view.
+    void scrollToFocus();
     int teamIndex(const QString& teamId) const;
     void fillList(const QString& teamId);
     QWidget* taskRow(const QString& taskId, const QString& text);
