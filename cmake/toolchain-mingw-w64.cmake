@@ -13,15 +13,17 @@ set(CMAKE_RC_COMPILER ${tessaport_target}-windres)
 # Nothing but the system's own libraries may be missing on the machine the program is copied to.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
 
-if("$ENV{QT_WINDOWS_DIR}" STREQUAL "")
+# Kept, so that later builds in the same folder need no environment.
+if(NOT "$ENV{QT_WINDOWS_DIR}" STREQUAL "")
+    file(REAL_PATH "$ENV{QT_WINDOWS_DIR}" tessaport_qt EXPAND_TILDE)
+    set(TESSAPORT_QT_WINDOWS ${tessaport_qt} CACHE PATH "Folder of Qt for Windows" FORCE)
+endif()
+if(NOT EXISTS "${TESSAPORT_QT_WINDOWS}/lib/cmake/Qt5/Qt5Config.cmake")
     message(FATAL_ERROR "QT_WINDOWS_DIR has to name the folder of Qt for Windows")
 endif()
-file(REAL_PATH "$ENV{QT_WINDOWS_DIR}" tessaport_qt EXPAND_TILDE)
-if(NOT EXISTS ${tessaport_qt}/lib/cmake/Qt5/Qt5Config.cmake)
-    message(FATAL_ERROR "QT_WINDOWS_DIR holds no Qt 5: ${tessaport_qt}")
-endif()
+set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES TESSAPORT_QT_WINDOWS)
 
-set(CMAKE_FIND_ROOT_PATH ${tessaport_qt} /usr/${tessaport_target})
+set(CMAKE_FIND_ROOT_PATH ${TESSAPORT_QT_WINDOWS} /usr/${tessaport_target})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
