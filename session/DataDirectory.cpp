@@ -23,6 +23,8 @@ bool DataDirectory::removeDirectory(const QString& path) const
     const QFileInfo directory(path);
     if (directory.isSymLink())
         return QFile::remove(path);
+    if (directory.isJunction())
+        return QDir().rmdir(path);
     if (!directory.isDir())
         return true;
 

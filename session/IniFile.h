@@ -10,7 +10,7 @@
 
 /// One ini file that mirrors a part of the session. What is set reaches the disk with the next
 /// write(), whole or not at all, and only if there is something new in it. A failure to write is
-/// silent; the next write() tries again. A file too damaged to be read at all is removed.
+/// silent; the next write() tries again. A file too damaged to be read without harm is removed.
 class IniFile {
 public:
     explicit IniFile(const QString& path);

@@ -86,7 +86,8 @@ void Session::setTaskActiveTime(const QString& taskId, const QTime& time)
 QTime Session::todayActiveTime(const QString& taskId) const
 {
     qDebug() << "Session.cpp todayActiveTime";
-    return m_task2activeTimeMap.value(taskId, QTime(0, 0)).toTime();
+    const QTime time = m_task2activeTimeMap.value(taskId).toTime();
+    return time.isValid() ? time : QTime(0, 0);
 }
 
 QDateTime Session::taskDeadline() const

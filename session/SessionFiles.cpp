@@ -14,13 +14,6 @@ QString lastLoginKey()
     return QStringLiteral("lastLogin");
 }
 
-// A damaged file may hold a value of any type, and QVariant has types that it "converts" to one it
-// knows nothing of by copying bytes.
-template <typename Record> Record recordIn(const QVariant& value)
-{
-    return value.userType() == qMetaTypeId<Record>() ? value.value<Record>() : Record();
-}
-
 } // namespace
 
 void Session::loadLastSession()
@@ -49,12 +42,12 @@ void Session::load(const QString& login, const QString& password)
     m_tasksSettings = std::make_unique<IniFile>(userPath(QStringLiteral("tasks.ini")));
     const QStringList taskTeamIds = m_tasksSettings->keys();
     for (const QString& id : taskTeamIds)
-        m_tasks.setTasks(id, recordIn<QList<Task>>(m_tasksSettings->value(id)));
+        m_tasks.setTasks(id, m_tasksSettings->value(id).value<QList<Task>>());
 
     m_taskInfoSettings = std::make_unique<IniFile>(userPath(QStringLiteral("taskInfo.ini")));
     const QStringList taskIds = m_taskInfoSettings->keys();
     for (const QString& id : taskIds)
-        m_taskInfos.insert(id, recordIn<TaskInfo>(m_taskInfoSettings->value(id)));
+        m_taskInfos.insert(id, m_taskInfoSettings->value(id).value<TaskInfo>());
 
     m_owner->removeOldData();
 }

@@ -30,7 +30,7 @@ const Task* TaskLists::find(const QString& teamId, const QString& taskId) const
     const auto team = m_teams.constFind(teamId);
     if (team == m_teams.constEnd())
         return nullptr;
-    const int position = positions(*team).value(taskId, -1);
+    const int position = indexOf(*team, taskId);
     return position < 0 ? nullptr : &team->tasks.at(position);
 }
 
@@ -44,7 +44,7 @@ void TaskLists::setTasks(const QString& teamId, const QList<Task>& tasks)
 {
     TeamTasks& team = m_teams[teamId];
     const TeamTasks before = team;
-    team = {tasks, {}};
+    team = {tasks, {}, 0};
 
     const QHash<QString, int>& oldIds = positions(before);
     const QHash<QString, int>& newIds = positions(team);
@@ -69,8 +69,14 @@ QStringList TaskLists::remove(const Task& task)
     const QStringList teamIds = m_teamsByTask.take(task.id);
     for (const QString& teamId : teamIds) {
         TeamTasks& team = m_teams[teamId];
-        team.tasks.removeAll(task);
-        team.positions.clear();
+        if (hasRepeatedIds(team)) {
+            team.tasks.removeAll(task);
+            team.positions.clear();
+            continue;
+        }
+        team.tasks.removeAt(indexOf(team, task.id));
+        team.positions.remove(task.id);
+        ++team.removed;
     }
     return teamIds;
 }
@@ -83,7 +89,11 @@ QStringList TaskLists::copyDeadline(const QString& teamId, const Task& task)
         if (otherTeamId == teamId)
             continue;
         bool changed = false;
-        for (Task& other : m_teams[otherTeamId].tasks) {
+        TeamTasks& team = m_teams[otherTeamId];
+        const int first = indexOf(team, task.id);
+        const int end = hasRepeatedIds(team) ? team.tasks.size() : first + 1;
+        for (int i = first; i < end; ++i) {
+            Task& other = team.tasks[i];
             if (other.id != task.id || other.deadline == task.deadline)
                 continue;
             other.deadline = task.deadline;
@@ -104,9 +114,26 @@ void TaskLists::clear()
 const QHash<QString, int>& TaskLists::positions(const TeamTasks& team)
 {
     if (team.positions.isEmpty()) {
+        team.removed = 0;
         team.positions.reserve(team.tasks.size());
         for (int i = team.tasks.size() - 1; i >= 0; --i)
             team.positions.insert(team.tasks.at(i).id, i);
     }
     return team.positions;
+}
+
+int TaskLists::indexOf(const TeamTasks& team, const QString& taskId)
+{
+    const int then = positions(team).value(taskId, -1);
+    const int last = std::min(then, team.tasks.size() - 1);
+    for (int i = std::max(then - team.removed, 0); i <= last; ++i) {
+        if (team.tasks.at(i).id == taskId)
+            return i;
+    }
+    return -1;
+}
+
+bool TaskLists::hasRepeatedIds(const TeamTasks& team)
+{
+    return positions(team).size() != team.tasks.size();
 }

@@ -39,11 +39,15 @@ public:
 private:
     struct TeamTasks {
         QList<Task> tasks;
-        /// Where in the list the first task of an id is; empty when it has to be made anew.
+        /// Where in the list the first task of an id was when this was made, which is since then
+        /// up to `removed` places ago; empty when it has to be made anew.
         mutable QHash<QString, int> positions;
+        mutable int removed = 0;
     };
 
     static const QHash<QString, int>& positions(const TeamTasks& team);
+    static int indexOf(const TeamTasks& team, const QString& taskId);
+    static bool hasRepeatedIds(const TeamTasks& team);
 
     QMap<QString, TeamTasks> m_teams;
     QHash<QString, QStringList> m_teamsByTask; ///< team ids in ascending order

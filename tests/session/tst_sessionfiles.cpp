@@ -435,6 +435,9 @@ void SessionFilesTest::damagedFiles_data()
         << QByteArray("[General]\n17=\"@Variant(\\0\\0\\0\\v\\x7f\\xff\\xff\\xff)\"\n");
     QTest::newRow("type that passes for any other") << QByteArray(
         "[General]\n17=@Variant(\\0\\0\\0\\x34\\0\\x66)\n101=@Variant(\\0\\0\\0\\x34\\0\\x66)\n");
+    QTest::newRow("huge list in a map") << QByteArray(
+        "[General]\ntask2activeTimeMap=@Variant(\\0\\0\\0\\b\\0\\0\\0\\x1\\0\\0\\0\\0\\0"
+        "\\0\\0\\v\\x7f\\xff\\xff\\xff)\n");
     QTest::newRow("cut list") << QByteArray("[General]\n17=\"@Variant(\\0\\0\\0\\x7f\\0\\0\\0\\f"
                                             "QList<Task>\\0\\0\\0\\0\\x1\\0\\0)\"\n");
     QTest::newRow("other types") << QByteArray("[General]\n17=1, 2\n101=@Size(1 2)\nlogged=@\n"
