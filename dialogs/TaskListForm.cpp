@@ -63,7 +63,11 @@ TaskListForm::TaskListForm(TessaPort* service, AbstractMainForm* mainForm, QWidg
     updateTeamCombobox();
 }
 
-TaskListForm::~TaskListForm() = default;
+TaskListForm::~TaskListForm()
+{
+    // A row loses the focus when it is deleted, after the fields of this class.
+    disconnect(qApp, nullptr, this, nullptr);
+}
 
 void TaskListForm::on_pbHide_clicked()
 {

@@ -47,6 +47,7 @@ private slots:
     void staysWhenTheSameTeamsComeAgain();
     void rowButtonTogglesTheDescription();
     void hideAllTakesAwayAndShowAllBringsBack();
+    void keyboardFocusStaysInView();
     void standsOnTheMainWindowAndLocksNothing();
     void markupOfTheServiceIsText();
 
@@ -211,6 +212,21 @@ void TestTaskListForm::hideAllTakesAwayAndShowAllBringsBack()
     emit m_mainForm->showAll();
     QVERIFY(!m_form->isVisible());
     QVERIFY(!open->isVisible());
+}
+
+void TestTaskListForm::keyboardFocusStaysInView()
+{
+    QList<Task> tasks;
+    for (int i = 0; i < 50; ++i)
+        tasks << makeTask(QString::number(i + 1), QStringLiteral("Задача"));
+    m_service->session()->setTasks(tasks, QStringLiteral("2"));
+    makeForm(QStringLiteral("2"));
+    m_form->show();
+    QApplication::setActiveWindow(m_form.get());
+    for (const int index : {49, 0, 30}) {
+        row(index)->findChild<QPushButton*>()->setFocus();
+        QVERIFY(list()->viewport()->rect().contains(row(index)->geometry()));
+    }
 }
 
 void TestTaskListForm::standsOnTheMainWindowAndLocksNothing()
