@@ -2,6 +2,7 @@
 #include "dialogs/AbstractTessaportForm.h"
 
 #include "Panel.h"
+#include "dialogs/WindowPlace.h"
 #include "ui_AbstractTessaportForm.h"
 
 #include <QEvent>
@@ -15,6 +16,7 @@ AbstractTessaportForm::AbstractTessaportForm(QWidget* parent)
     setAttribute(Qt::WA_TranslucentBackground);
     setWindowFlags((windowFlags() & Qt::Dialog) | Qt::FramelessWindowHint
                    | Qt::WindowStaysOnTopHint);
+    keepPlaceWhenShown(this);
     installEventFilter(this);
     setAttribute(Qt::WA_ShowModal);
     setBackground(QStringLiteral(":/images/main.png"));

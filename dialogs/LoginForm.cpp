@@ -2,6 +2,7 @@
 #include "dialogs/LoginForm.h"
 
 #include "Panel.h"
+#include "dialogs/WindowPlace.h"
 #include "service/TessaPort.h"
 #include "ui_LoginForm.h"
 
@@ -65,6 +66,7 @@ LoginForm::LoginForm(TessaPort* service, QWidget* parent)
     escape->setContext(Qt::WindowShortcut);
     connect(escape, &QShortcut::activated, this, &LoginForm::on_pbClose_clicked);
 
+    keepPlaceWhenShown(this);
     centreOnScreen(this);
     activateWindow();
     m_ui->lbEmail->setText(m_service->session()->login());

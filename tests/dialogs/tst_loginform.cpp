@@ -48,6 +48,7 @@ private:
     }
     static void type(const QString& text, Qt::Key last)
     {
+        QVERIFY(QApplication::focusWidget());
         QTest::keyClicks(QApplication::focusWidget(), text);
         QTest::keyClick(QApplication::focusWidget(), last);
     }
