@@ -89,6 +89,8 @@ int main(int argc, char* argv[])
 
     if (cleans) {
         logFile.close();
+        // The directory may be a link to where the data are.
+        tessaPort.removeDirectory(tessaPort.dataDir().canonicalPath());
         tessaPort.removeDirectory(tessaPort.dataDir().absolutePath());
         tessaPort.setNoSave(true);
         return 0;

@@ -14,15 +14,15 @@ constexpr int pollInterval = 100;
 constexpr char timerProperty[] = "timer";
 constexpr char lastEventTicksProperty[] = "lastEventTicks";
 
-UserActivityWatcher* sharedWatcher = nullptr;
-
 } // namespace
+
+UserActivityWatcher* UserActivityWatcher::s_instance = nullptr;
 
 UserActivityWatcher* UserActivityWatcher::instance()
 {
-    if (!sharedWatcher)
-        sharedWatcher = new UserActivityWatcher(nullptr);
-    return sharedWatcher;
+    if (!s_instance)
+        s_instance = new UserActivityWatcher(nullptr);
+    return s_instance;
 }
 
 UserActivityWatcher::UserActivityWatcher(QObject* parent)
@@ -38,7 +38,7 @@ UserActivityWatcher::~UserActivityWatcher()
 {
     delete qobject_cast<QTimer*>(property(timerProperty).value<QObject*>());
 
-    UserActivityWatcher* const shared = std::exchange(sharedWatcher, nullptr);
+    UserActivityWatcher* const shared = std::exchange(s_instance, nullptr);
     if (shared != this)
         delete shared;
 }

@@ -32,4 +32,7 @@ signals:
 
 public slots:
     void emitWasActivity();
+
+private:
+    static UserActivityWatcher* s_instance;
 };

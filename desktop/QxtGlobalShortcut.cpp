@@ -7,6 +7,7 @@
 #include <QAbstractNativeEventFilter>
 #include <QDebug>
 #include <QHash>
+#include <QPointer>
 #include <QVector>
 
 class QxtGlobalShortcutPrivate : public QAbstractNativeEventFilter {
@@ -32,17 +33,19 @@ private:
 
     /// All that live. The first of them is the one that filters the native events, for all.
     static QVector<QxtGlobalShortcutPrivate*> s_alive;
-    static QHash<platform::NativeKeys, QxtGlobalShortcut*> s_shortcuts;
+    /// What could not be given back stays here, and is null once its shortcut is gone.
+    static QHash<platform::NativeKeys, QPointer<QxtGlobalShortcut>> s_shortcuts;
 };
 
 QVector<QxtGlobalShortcutPrivate*> QxtGlobalShortcutPrivate::s_alive;
-QHash<platform::NativeKeys, QxtGlobalShortcut*> QxtGlobalShortcutPrivate::s_shortcuts;
+QHash<platform::NativeKeys, QPointer<QxtGlobalShortcut>> QxtGlobalShortcutPrivate::s_shortcuts;
 
 QxtGlobalShortcutPrivate::QxtGlobalShortcutPrivate()
 {
     s_alive.append(this);
-    if (s_alive.size() == 1)
-        QAbstractEventDispatcher::instance()->installNativeEventFilter(this);
+    QAbstractEventDispatcher* const dispatcher = QAbstractEventDispatcher::instance();
+    if (s_alive.size() == 1 && dispatcher)
+        dispatcher->installNativeEventFilter(this);
 }
 
 QxtGlobalShortcutPrivate::~QxtGlobalShortcutPrivate()
@@ -60,7 +63,7 @@ QxtGlobalShortcutPrivate::~QxtGlobalShortcutPrivate()
 bool QxtGlobalShortcutPrivate::nativeEventFilter(const QByteArray& eventType, void* message, long*)
 {
     const auto pressed = platform::hotKeyPress(eventType, message);
-    QxtGlobalShortcut* const shortcut = pressed ? s_shortcuts.value(*pressed) : nullptr;
+    QxtGlobalShortcut* const shortcut = pressed ? s_shortcuts.value(*pressed).data() : nullptr;
     if (shortcut && shortcut->isEnabled())
         emit shortcut->activated();
     return false;
@@ -89,7 +92,8 @@ void QxtGlobalShortcutPrivate::unsetShortcut(const QxtGlobalShortcut* owner)
 {
     if (m_key == 0)
         return;
-    if (s_shortcuts.value(nativeKeys()) == owner && platform::unregisterHotKey(nativeKeys())) {
+    if (s_shortcuts.value(nativeKeys()).data() == owner
+        && platform::unregisterHotKey(nativeKeys())) {
         s_shortcuts.remove(nativeKeys());
     } else {
         qWarning() << "QxtGlobalShortcut failed to unregister:"

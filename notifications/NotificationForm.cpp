@@ -112,6 +112,8 @@ void NotificationForm::onPbLateClicked()
 
 void NotificationForm::onPbUpdateClicked()
 {
+    if (m_closing)
+        return;
     const QVariantList updateInfo = UpdateState::instance()->updateInfo();
     if (updateInfo.isEmpty()) {
         qDebug() << "Error! There is no update info" << updateInfo;

@@ -105,6 +105,7 @@ void NotificationManager::remove(NotificationForm* form)
     if (index < 0)
         return;
     m_shownForms.removeAt(index);
+    // By place in the list: a notice that faded while others were hidden may have left a gap.
     for (int i = index; i < m_shownForms.size(); ++i) {
         m_shownForms[i]->placeInSlot(i);
         m_shownForms[i]->repaint();

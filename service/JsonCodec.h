@@ -6,7 +6,8 @@
 #include <QVariant>
 
 /// The program's own JSON reader and writer on QVariant. The reader is forgiving (commas are
-/// optional, what follows the first value is ignored, a number keeps the smallest type it fits)
+/// optional, what follows the first value is ignored, a number without a point
+/// that fits no integer type stays text)
 /// and neither side throws or logs. Report files are read back by what wrote them, so the
 /// leniencies and number rules are settled.
 namespace JsonCodec {

@@ -124,11 +124,14 @@ std::unique_ptr<QTemporaryFile> write(const QString& directory, const QByteArray
 
 void removeUnfinished(const QString& directory)
 {
-    QDir dir(directory);
-    const QStringList names =
-        dir.entryList({unfinishedPrefix + QLatin1Char('*')}, QDir::Files, QDir::Unsorted);
-    for (const QString& name : names)
-        dir.remove(name);
+    // A younger one may be another process's, which is at it right now.
+    const QDateTime oldEnough = QDateTime::currentDateTime().addSecs(-60);
+    const QFileInfoList files = QDir(directory).entryInfoList({unfinishedPrefix + QLatin1Char('*')},
+                                                              QDir::Files, QDir::Unsorted);
+    for (const QFileInfo& file : files) {
+        if (file.lastModified() < oldEnough)
+            QFile::remove(file.filePath());
+    }
 }
 
 QString first(const QString& directory)

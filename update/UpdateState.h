@@ -36,7 +36,8 @@ public:
     void setForceUpdate(bool forceUpdate);
 
     /// Takes over a new copy of the update program that lies in the directory "update" of the
-    /// data directory. Failures are logged, and the copy stays for the next start.
+    /// data directory. A first installation shows a notice, a replacement is silent. Failures are
+    /// logged, and the copy stays for the next start.
     void installUpdate();
 
 private:

@@ -23,7 +23,6 @@ namespace {
 // The numbers that ShellExecute gives for the same outcomes.
 constexpr int started = 42;
 constexpr int fileNotFound = 2;
-constexpr int accessDenied = 5;
 constexpr int badFormat = 11;
 
 struct DirectoryCloser {
@@ -116,8 +115,9 @@ int startProgram(const QString& file, const QString& arguments)
     if (program.isEmpty())
         return fileNotFound;
     const QFileInfo info(program);
+    // Not "refused": nobody was asked, and somebody should be told.
     if (!info.isFile() || !info.isExecutable())
-        return accessDenied;
+        return badFormat;
     const bool success =
         QProcess::startDetached(program, QProcess::splitCommand(arguments), QDir::currentPath());
     return success ? started : badFormat;

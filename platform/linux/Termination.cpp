@@ -3,6 +3,7 @@
 
 #include <QSocketNotifier>
 
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
@@ -14,9 +15,10 @@ int signalPipe[2] = {-1, -1};
 // Nothing but a write is allowed here: the rest happens in the event loop.
 void writeSignal(int)
 {
+    const int savedError = errno;
     const char byte = 0;
-    if (::write(signalPipe[1], &byte, 1) < 0)
-        return;
+    [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
+    errno = savedError;
 }
 
 } // namespace
@@ -36,6 +38,10 @@ void platform::watchTermination(QObject* context, std::function<void()> callback
     struct sigaction action = {};
     action.sa_handler = writeSignal;
     action.sa_flags = SA_RESTART;
-    for (const int number : {SIGTERM, SIGINT, SIGHUP})
-        ::sigaction(number, &action, nullptr);
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        struct sigaction before = {};
+        // Who starts the program with a signal ignored wants it ignored.
+        if (::sigaction(number, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
+            ::sigaction(number, &action, nullptr);
+    }
 }

@@ -15,8 +15,7 @@ quint32 lastInputTick()
 
     if (!GetLastInputInfo(&info) && !failureLogged) {
         failureLogged = true;
-        qDebug() << "The system does not tell the moment of the last input, error"
-                 << GetLastError();
+        qWarning("LastInput: the system can't tell of input; nobody will seem active");
     }
     return info.dwTime;
 }

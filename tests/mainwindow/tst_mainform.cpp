@@ -21,21 +21,15 @@ private slots:
     void activeMinute();
     void idleMinute();
     void stopInMidMinute();
-    void forcedReport();
     void midnight();
     void resume();
-    void resumeWithoutTask();
     void noTask();
     void blockingTask();
     void closedTask();
     void pictures();
-    void shortcuts();
-    void forceUpdateWithoutUpdater();
     void overdueLabels();
-    void clockModes();
     void playButton_data();
     void playButton();
-    void visibility();
 };
 
 namespace {
@@ -176,17 +170,6 @@ void tst_MainForm::stopInMidMinute()
     QCOMPARE(strip.reports(), QList<int>({-1, 0}));
 }
 
-void tst_MainForm::forcedReport()
-{
-    Strip strip;
-    strip.play->click();
-    strip.slotsPass(10);
-    strip.invoke("setHasActivity");
-    QVERIFY(QMetaObject::invokeMethod(strip.form.get(), "sendActivity", Q_ARG(bool, true)));
-    QCOMPARE(strip.reports(), QList<int>({-1, -1, 0, 1}));
-    QCOMPARE(strip.session->todayActivetime(), QTime(0, 1));
-}
-
 void tst_MainForm::midnight()
 {
     Strip strip;
@@ -213,13 +196,6 @@ void tst_MainForm::resume()
     QCOMPARE(strip.actionText(), QStringLiteral("Стоп"));
     strip.slotsPass(10, {0, 1});
     QCOMPARE(strip.reports(), QList<int>({-1, 2}));
-}
-
-void tst_MainForm::resumeWithoutTask()
-{
-    Strip strip(true, QString());
-    QVERIFY(!strip.play->isChecked());
-    QVERIFY(!strip.play->isCheckable());
 }
 
 void tst_MainForm::noTask()
@@ -292,25 +268,6 @@ void tst_MainForm::pictures()
     QCOMPARE(strip.reports().count(-1), 2);
 }
 
-void tst_MainForm::shortcuts()
-{
-    Strip strip;
-    strip.invoke("onStopTimerShortcut_activated");
-    strip.invoke("onStartTimerShortcut_activated");
-    QVERIFY(strip.session->active());
-    QVERIFY(strip.play->isChecked());
-    strip.invoke("onStopTimerShortcut_activated");
-    QVERIFY(!strip.play->isChecked());
-}
-
-void tst_MainForm::forceUpdateWithoutUpdater()
-{
-    Strip strip;
-    UpdateState::instance()->setForceUpdate(true);
-    strip.invoke("checkNeedCloseToUpdate");
-    QVERIFY(!UpdateState::instance()->forceUpdate());
-}
-
 void tst_MainForm::overdueLabels()
 {
     Strip strip;
@@ -326,20 +283,6 @@ void tst_MainForm::overdueLabels()
     QCOMPARE(label->toolTip(), late.deadline.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
     strip.session->setTaskID(QStringLiteral("0"));
     QVERIFY(label->isHidden());
-}
-
-void tst_MainForm::clockModes()
-{
-    Strip strip;
-    strip.session->setTodayWorktime({2, 3});
-    strip.session->setTodayActivetime({1, 4});
-    strip.session->syncDisplayActivetime();
-    auto* clock = strip.form->findChild<QLabel*>(QStringLiteral("lbClock"));
-    QTest::mouseClick(clock, Qt::LeftButton);
-    QCOMPARE(clock->text(), QStringLiteral("01:04:00"));
-    QCOMPARE(strip.text("lbActivity"), QStringLiteral("Активного: "));
-    QTest::mouseClick(strip.form->findChild<QLabel*>(QStringLiteral("lbActivity")), Qt::LeftButton);
-    QCOMPARE(strip.text("lbActivity"), QStringLiteral("Сегодня: "));
 }
 
 void tst_MainForm::playButton_data()
@@ -368,23 +311,6 @@ void tst_MainForm::playButton()
     QVERIFY(QMetaObject::invokeMethod(strip.form.get(), "updateOnlineState",
                                       Q_ARG(QString, QString())));
     QVERIFY(strip.play->styleSheet().contains(QStringLiteral(":/images/") + picture));
-}
-
-void tst_MainForm::visibility()
-{
-    Strip strip;
-    strip.form->show();
-    auto* toggle = strip.form->findChild<QAction*>(QStringLiteral("actionToggleVisible"));
-    QCOMPARE(toggle->text(), QStringLiteral("Спрятать"));
-    toggle->trigger();
-    QVERIFY(strip.form->isHidden());
-    QCOMPARE(toggle->text(), QStringLiteral("Показать"));
-    toggle->trigger();
-    QVERIFY(strip.form->isVisible());
-    strip.form->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(strip.form.get()));
-    QTest::keyClick(strip.form.get(), Qt::Key_Escape);
-    QTRY_VERIFY(strip.form->isHidden());
 }
 
 TESSAPORT_TEST_MAIN(tst_MainForm, QApplication)

@@ -19,8 +19,6 @@ private slots:
     void twoInFlight();
     void brokenFiles();
     void pictureGone();
-    void earlierFormat();
-    void nullPicture();
     void unwritableDirectory();
 };
 
@@ -236,33 +234,6 @@ void tst_Reports::pictureGone()
     test.client().sendActivity(1);
     QTRY_COMPARE(test.standIn().requests(screenshotPath).size(), 2);
     QVERIFY(!test.standIn().requests(screenshotPath)[1].record().contains(QStringLiteral("file")));
-}
-
-void tst_Reports::earlierFormat()
-{
-    ServiceTest test;
-    QVERIFY(test.isReady());
-    QVariantMap report = waitingReport(QStringLiteral("old"));
-    report.remove(QStringLiteral("version"));
-    QVariantMap body = report[QStringLiteral("body")].toMap();
-    body[QStringLiteral("file")] = QStringLiteral("/9j/");
-    report[QStringLiteral("body")] = body;
-    report[QStringLiteral("api-url")] = ServiceAddress::url(screenshotPath);
-    writeReport(test, QStringLiteral("json01.x"), report);
-    test.standIn().fail(screenshotPath, QStringLiteral("answer"), 1, 0, "ok");
-    test.client().sendActivity(1);
-    QTRY_VERIFY(reports(test).isEmpty());
-    QCOMPARE(test.standIn().requests(screenshotPath)[0].record()[QStringLiteral("file")].toString(),
-             QStringLiteral("/9j/"));
-}
-
-void tst_Reports::nullPicture()
-{
-    ServiceTest test;
-    QVERIFY(test.isReady());
-    test.client().sendScreenshot(QImage());
-    QVERIFY(NotificationManager::instance()->hasNotifications());
-    QVERIFY(test.activityDir().isEmpty());
 }
 
 void tst_Reports::unwritableDirectory()

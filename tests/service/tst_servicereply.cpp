@@ -10,10 +10,7 @@ class tst_ServiceReply : public QObject {
 private slots:
     void refusal_data();
     void refusal();
-    void resultCode();
     void teamsAndTasks();
-    void answer_data();
-    void answer();
     void taskInfo();
     void dayTotals_data();
     void dayTotals();
@@ -47,15 +44,6 @@ void tst_ServiceReply::refusal()
     QCOMPARE(ServiceReply::refusal(body).value_or(-1), code);
 }
 
-void tst_ServiceReply::resultCode()
-{
-    QCOMPARE(ServiceReply::resultCode(QNetworkReply::HostNotFoundError), 1);
-    QCOMPARE(ServiceReply::resultCode(QNetworkReply::UnknownNetworkError), 1);
-    QCOMPARE(ServiceReply::resultCode(QNetworkReply::ProtocolUnknownError), 2);
-    QCOMPARE(ServiceReply::resultCode(QNetworkReply::ConnectionRefusedError), 3);
-    QCOMPARE(ServiceReply::resultCode(QNetworkReply::InternalServerError), 3);
-}
-
 void tst_ServiceReply::teamsAndTasks()
 {
     const auto entries = ServiceReply::teamsAndTasks(u8R"([{"id":17,"name":"Редакция","tasks":[
@@ -82,25 +70,6 @@ void tst_ServiceReply::teamsAndTasks()
 
     for (const char* body : {"", "[]", "{}", "[1,2]", "<html>", "[[["})
         QVERIFY2(ServiceReply::teamsAndTasks(body).isEmpty(), body);
-}
-
-void tst_ServiceReply::answer_data()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<bool>("ok");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("ok") << QByteArray(R"({"status":"ok","message":"m"})") << true << "m";
-    QTest::newRow("refused") << QByteArray(R"({"status":"no","message":"m"})") << false << "m";
-    QTest::newRow("no status") << QByteArray(R"({"message":"m"})") << false << "m";
-    QTest::newRow("no object") << QByteArray("ok") << false << QString();
-}
-
-void tst_ServiceReply::answer()
-{
-    QFETCH(QByteArray, body);
-    const ServiceReply::Answer answer = ServiceReply::answer(body);
-    QTEST(answer.ok, "ok");
-    QTEST(answer.message.toString(), "message");
 }
 
 void tst_ServiceReply::taskInfo()
