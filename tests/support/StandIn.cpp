@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/StandIn.h"
 
-#include "support/BoundProcess.h"
+#include "support/StandInProcess.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -73,7 +73,7 @@ QJsonObject StandIn::demoData()
 
 bool StandIn::isRunning() const
 {
-    return m_process && m_process->state() == QProcess::Running;
+    return m_process && m_process->isRunning();
 }
 
 QString StandIn::url() const
@@ -170,28 +170,21 @@ void StandIn::stop()
 {
     if (!isRunning())
         return;
-    m_process->terminate();
-    if (!m_process->waitForFinished(startTimeout))
+    if (!m_process->stop(startTimeout))
         qWarning() << "The stand-in does not stop";
 }
 
 bool StandIn::start()
 {
-    m_process = std::make_unique<BoundProcess>();
-    m_process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_process->start(QStringLiteral(STANDIN_EXECUTABLE),
-                     {QStringLiteral("--quiet"), QStringLiteral("--port"), QString::number(m_port),
-                      QStringLiteral("--data"), dataFile(), QStringLiteral("--store"), storeDir()});
-    const QDeadlineTimer deadline(startTimeout);
-    QByteArray line;
-    while (!line.contains('\n') && !deadline.hasExpired()
-           && m_process->waitForReadyRead(int(deadline.remainingTime()))) {
-        line += m_process->readAllStandardOutput();
-    }
+    m_process = StandInProcess::start({QStringLiteral("--quiet"), QStringLiteral("--port"),
+                                       QString::number(m_port), QStringLiteral("--data"),
+                                       dataFile(), QStringLiteral("--store"), storeDir()},
+                                      m_directory.path());
+    const QByteArray line = m_process->firstLine(startTimeout);
     static const QRegularExpression address(QStringLiteral("https://localhost:(\\d+)"));
     const QRegularExpressionMatch match = address.match(QString::fromUtf8(line));
     if (!match.hasMatch()) {
-        qWarning() << "The stand-in does not start:" << m_process->errorString() << line;
+        qWarning() << "The stand-in does not start:" << line;
         return false;
     }
     m_port = match.captured(1).toInt();

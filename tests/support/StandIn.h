@@ -9,7 +9,7 @@
 
 #include <memory>
 
-class QProcess;
+class StandInProcess;
 
 /// A request as the service saw it. Requests come in the order in which they were read.
 struct SeenRequest {
@@ -83,6 +83,6 @@ private:
                        const QByteArray& body = {}) const;
 
     QTemporaryDir m_directory;
-    std::unique_ptr<QProcess> m_process;
+    std::unique_ptr<StandInProcess> m_process;
     int m_port;
 };
