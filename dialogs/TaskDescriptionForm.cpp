@@ -250,7 +250,6 @@ void TaskDescriptionForm::updateKeywords(const QList<Keyword>& keywords)
         QWidget* const row = newRow(m_ui->listKeywords);
         const auto phrase = rowLabel(keyword.keyword, row);
         phrase->setFixedSize(180, 15);
-        phrase->setIndent(4);
         const auto exact = rowLabel(QStringLiteral("Точн. ") + keyword.count, row);
         exact->setFixedHeight(15);
         const auto inexact = rowLabel(QStringLiteral("Неточн. ") + keyword.count2, row);
