@@ -12,6 +12,7 @@ private slots:
     void refusal();
     void teamsAndTasks();
     void taskInfo();
+    void moments();
     void dayTotals_data();
     void dayTotals();
 };
@@ -96,6 +97,21 @@ void tst_ServiceReply::taskInfo()
 
     QVERIFY(ServiceReply::taskInfo(QStringLiteral("text")).id.isEmpty());
     QVERIFY(ServiceReply::taskInfo(QVariantList{1}).files.isEmpty());
+}
+
+void tst_ServiceReply::moments()
+{
+    const char* const texts[] = {
+        "2020-02-29 23:59:59", "2021-02-29 00:00:00",  "2020-05-12 24:00:00",
+        "2020-05-12 08:60:00", "2020-05-12T08:24:59",  "2020-05-12 08:24:5x",
+        " 020-05-12 08:24:59", "+020-05-12 08:24:59",  "0000-05-12 08:24:59",
+        "2020-05-12  8:24:59", "2020-05-12 08:24:590", "٢٠٢٠-05-12 08:24:59"};
+    for (const char* text : texts) {
+        const QVariantMap message{{QStringLiteral("deadline"), QString::fromUtf8(text)}};
+        const QString format = QStringLiteral("yyyy-MM-dd HH:mm:ss");
+        const QDateTime expected = QDateTime::fromString(QString::fromUtf8(text), format);
+        QVERIFY2(ServiceReply::taskInfo(message).deadline == expected, text);
+    }
 }
 
 void tst_ServiceReply::dayTotals_data()
