@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Program.h"
+#include "support/StandIn.h"
+#include "support/TestMain.h"
+
+#include <QJsonDocument>
+#include <QRandomGenerator>
+#include <QRegularExpression>
+
+namespace {
+
+const QString strip = QStringLiteral("Tessaport");
+const QString picker = QStringLiteral("Задачи");
+const QRect playButton(210, 15, 40, 40);
+
+/// The values of one key in the confirmed records of a kind, in order.
+QStringList confirmed(const StandIn& standIn, const QString& kind, const QString& key)
+{
+    QStringList values;
+    const QJsonArray entries = standIn.confirmedRecords();
+    for (const QJsonValue& entry : entries) {
+        if (entry[QLatin1String("kind")].toString() == kind)
+            values.append(entry[QLatin1String("record")][key].toString());
+    }
+    return values;
+}
+
+QStringList activity(const StandIn& standIn)
+{
+    return confirmed(standIn, QStringLiteral("activity"), QStringLiteral("active"));
+}
+
+QStringList pictures(const StandIn& standIn)
+{
+    return confirmed(standIn, QStringLiteral("screenshot"), QStringLiteral("fileName"));
+}
+
+} // namespace
+
+/// Minutes of monitoring under a fast clock, from real input to what is confirmed.
+class MinutesTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void minutes();
+    void serviceAwayAndKills();
+
+private:
+    void compareLog(const Home& home);
+    void comparePicture(const StandIn& standIn);
+};
+
+void MinutesTest::minutes()
+{
+    StandIn standIn(StandIn::demoData(), SERVICE_PORT);
+    Home home(20);
+    Program program(home);
+    program.start();
+
+    const QString signIn = QStringLiteral("Авторизация");
+    QVERIFY(program.waitForActive(signIn));
+    const QRect message(98, 48, 155, 18);
+    const QImage noMessage = program.picture(signIn, message);
+    Desktop::type("demo@example.com");
+    Desktop::press("Tab");
+    Desktop::type("wrong");
+    Desktop::press("Return");
+    QVERIFY(standIn.waitForRequests(QStringLiteral("/api_teams"), 1, patience));
+    QVERIFY(waitUntil([&] { return program.picture(signIn, message) != noMessage; }));
+    QVERIFY(program.window(signIn));
+    QVERIFY(!program.window(strip));
+    Desktop::press("ctrl+a");
+    Desktop::type("demo");
+    Desktop::press("Return");
+    QVERIFY(program.waitFor(strip));
+    QVERIFY(!program.window(signIn));
+
+    QVERIFY(program.openTaskPicker());
+    // The second task of the list that drops down.
+    QVERIFY(program.clickToChange(picker, {210, 50}, {70, 66, 150, 40}));
+    QVERIFY(program.click(picker, {210, 95}));
+    QVERIFY(program.click(picker, {258, 121}));
+    QVERIFY(program.waitForGone(picker));
+
+    // So close to the press before it, the release may or may not be an input of the first minute.
+    QVERIFY(program.click(strip, playButton.center()));
+    QVERIFY(standIn.waitForRequests(QStringLiteral("/api_active2"), 2, patience));
+    Desktop::movePointer({400, 400});
+    QVERIFY(waitUntil([&] { return activity(standIn).lastIndexOf(QStringLiteral("1")) > 1; }));
+    QVERIFY(program.click(strip, playButton.center()));
+    QVERIFY(home.waitForLog("Monitor stopped"));
+    QVERIFY(waitUntil([&] { return home.reports().isEmpty(); }));
+    QVERIFY(program.chooseFromMenu("Up Return"));
+    QCOMPARE(program.waitForExit(), 0);
+
+    const QStringList active = activity(standIn);
+    const QString counts = active.join(QString());
+    QVERIFY2(QRegularExpression(QStringLiteral("^[01]0+10*$")).match(counts).hasMatch(),
+             qPrintable(counts));
+    QCOMPARE(home.logged("Activity data prepared "), counts.size());
+
+    const auto reports = standIn.requests(QStringLiteral("/api_active2"));
+    for (int i = 0; i < reports.size(); ++i) {
+        const QJsonObject expected{
+            {QStringLiteral("active"), active.value(i)},
+            {QStringLiteral("email"), QStringLiteral("demo@example.com")},
+            {QStringLiteral("task_id"), QStringLiteral("48215")},
+            {QStringLiteral("team_id"), QStringLiteral("1507")},
+            {QStringLiteral("version"), QStringLiteral("1.1.0")},
+        };
+        QJsonObject record = reports[i].record();
+        // In fast seconds, what lies between writing and sending may show.
+        const QJsonValue past = record.take(QStringLiteral("past"));
+        QVERIFY2(past.toString().toInt() < 60, qPrintable(past.toString()));
+        QCOMPARE(record, expected);
+    }
+    comparePicture(standIn);
+
+    const QString session = home.userFile("session.ini");
+    const QTime none(0, 0);
+    const QTime activeTime = none.addSecs(counts.count(QLatin1Char('1')) * 60);
+    QCOMPARE(Home::value(session, "todayWorktime").toString(),
+             none.addSecs(counts.size() * 60).toString(Qt::TextDate));
+    QCOMPARE(Home::value(session, "todayActivetime").toString(), activeTime.toString(Qt::TextDate));
+    QCOMPARE(
+        Home::value(session, "task2activeTimeMap").toMap().value(QStringLiteral("48215")).toTime(),
+        activeTime);
+    QCOMPARE(Home::value(session, "active").toBool(), false);
+    QCOMPARE(Home::value(session, "taskID").toString(), QStringLiteral("48215"));
+    QCOMPARE(QDir(home.userFile("activity")).entryList(QDir::Files), QStringList());
+    compareLog(home);
+}
+
+void MinutesTest::comparePicture(const StandIn& standIn)
+{
+    // One goes with the first report, and the next not before five minutes are over.
+    QVERIFY(!pictures(standIn).isEmpty());
+    const QJsonArray records = standIn.confirmedRecords();
+    const QJsonObject second = records.at(1).toObject();
+    QCOMPARE(second[QLatin1String("kind")].toString(), QStringLiteral("screenshot"));
+    const QImage picture(
+        QDir(standIn.storeDir()).filePath(second[QLatin1String("picture")].toString()));
+    QCOMPARE(picture.size(), Desktop::wholeArea().size());
+}
+
+void MinutesTest::compareLog(const Home& home)
+{
+    QList<QByteArray> lines = home.log().split('\n');
+    lines.removeLast();
+    const QRegularExpression form(
+        QStringLiteral("^Message\\(([01])\\) at 2024-05-14T\\d\\d:\\d\\d:\\d\\dZ: (.*)$"));
+    for (const QByteArray& line : lines) {
+        const QRegularExpressionMatch match = form.match(QString::fromUtf8(line));
+        QVERIFY2(match.hasMatch(), line.constData());
+        // Warnings are Qt's, of a list that has closed under it.
+        QVERIFY2(match.captured(1) == QLatin1String("0")
+                     || match.captured(2).startsWith(QLatin1String("QXcbConnection: ")),
+                 line.constData());
+    }
+    const QRegularExpression banner(
+        QStringLiteral(": \"TessaPort Team Monitor 1\\.1\\.0 started\\. Build date: [A-Z][a-z]{2} "
+                       "[ \\d]\\d \\d{4}, "
+                       "\\d\\d:\\d\\d:\\d\\d\"$"));
+    QVERIFY2(banner.match(QString::fromUtf8(lines.first())).hasMatch(), lines.first().constData());
+    QVERIFY(lines.last().endsWith(": Exit TessaPort Team Monitor OK"));
+
+    const auto momentOf = [&](const QByteArray& text) {
+        const auto found = std::find_if(lines.cbegin(), lines.cend(), [&](const QByteArray& line) {
+            return line.contains(text);
+        });
+        return found == lines.cend()
+            ? QDateTime()
+            : QDateTime::fromString(QString::fromLatin1(found->mid(14, 20)), Qt::ISODate);
+    };
+    const QDateTime started = momentOf("Z: Monitor started");
+    const QDateTime prepared = momentOf("Z: Activity data prepared  \"https://localhost:");
+    const QDateTime sent = momentOf("Z: Activity sended  \"ok\"");
+    // Cut to seconds, a minute may look a second shorter.
+    QVERIFY(started.isValid() && started.addSecs(59) <= prepared && prepared <= sent);
+}
+
+void MinutesTest::serviceAwayAndKills()
+{
+    StandIn standIn(StandIn::demoData(), SERVICE_PORT);
+    Home home(30);
+    home.signIn("1507", "48222", true);
+    Desktop::movePointer({200, 200});
+    Program program(home);
+    program.start();
+    QVERIFY(waitUntil([&] { return !pictures(standIn).isEmpty(); }));
+
+    const QImage online = program.picture(strip, playButton);
+    QVERIFY(!online.isNull());
+    standIn.stop();
+    QVERIFY(home.waitForLog("Online state is  false"));
+    QVERIFY(waitUntil([&] { return program.picture(strip, playButton) != online; }));
+    QVERIFY(waitUntil([&] { return home.reports().size() >= 2; }));
+
+    constexpr int kills = 3;
+    for (int i = 0; i < kills; ++i) {
+        // Anywhere in a minute, which takes two seconds under this clock.
+        QTest::qWait(QRandomGenerator::global()->bounded(2000));
+        program.kill();
+        const QStringList waiting = home.reports();
+        for (const QString& name : waiting) {
+            const QByteArray report = content(home.userFile("activity/") + name);
+            QVERIFY2(QJsonDocument::fromJson(report).isObject(), report.constData());
+        }
+        program.start();
+        QVERIFY(waitUntil([&] { return home.reports().size() > waiting.size(); }));
+        const QStringList kept = home.reports();
+        for (const QString& name : waiting)
+            QVERIFY2(kept.contains(name), qPrintable(name));
+    }
+
+    QVERIFY(standIn.start());
+    QVERIFY(home.waitForLog("Online state is  true"));
+    QVERIFY(waitUntil([&] { return program.picture(strip, playButton) == online; }));
+    QVERIFY(program.click(strip, playButton.center()));
+    QVERIFY(home.waitForLog("Monitor stopped"));
+    QVERIFY(waitUntil([&] { return home.reports().isEmpty(); }));
+    QVERIFY(program.chooseFromMenu("Up Return"));
+    QCOMPARE(program.waitForExit(), 0);
+
+    // A kill right between a line of the log and its file may take the record of that moment.
+    for (const auto& [prepared, sent] :
+         {std::pair(home.logged("Activity data prepared "), activity(standIn).size()),
+          std::pair(home.logged("Screenshot prepared"), pictures(standIn).size())})
+        QVERIFY2(sent <= prepared && sent >= prepared - kills,
+                 qPrintable(QStringLiteral("%1 of %2").arg(sent).arg(prepared)));
+    QCOMPARE(home.logged("Monitor started"), kills + 1);
+}
+
+TESSAPORT_TEST_MAIN(MinutesTest, QGuiApplication)
+
+#include "tst_minutes.moc"
