@@ -51,6 +51,15 @@ template <class Form> Form* visibleForm()
     return found;
 }
 
+inline Task makeTask(const char* id, const char* title, const QDateTime& deadline = {})
+{
+    Task task;
+    task.id = QLatin1String(id);
+    task.title = QString::fromUtf8(title);
+    task.deadline = deadline;
+    return task;
+}
+
 /// The text of a label among the form's children.
 inline QString labelText(const QWidget& form, const char* name)
 {
