@@ -8,9 +8,9 @@
 #include <QStringList>
 #include <QVariant>
 
-/// One ini file that mirrors a part of the session. What is set reaches the disk with the next
-/// write(), whole or not at all, and only if there is something new in it. A failure to write is
-/// silent; the next write() tries again. A file too damaged to be read without harm is removed.
+/// One of the program's ini files. What is set reaches the disk with the next write(), whole or not
+/// at all, and only if there is something new in it. A failure to write is silent; the next write()
+/// tries again. A file too damaged to be read without harm is put aside; see SettingsFile.h.
 class IniFile {
 public:
     explicit IniFile(const QString& path);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "session/Session.h"
 
-#include "IniFile.h"
+#include "session/IniFile.h"
 
 #include <QDebug>
 

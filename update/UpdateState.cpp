@@ -3,8 +3,7 @@
 
 #include "service/JsonCodec.h"
 #include "session/DataDirectory.h"
-
-#include <QSettings>
+#include "session/IniFile.h"
 
 namespace {
 
@@ -30,8 +29,7 @@ UpdateState* UpdateState::instance()
 void UpdateState::init(const DataDirectory* directory)
 {
     m_directory = directory;
-    m_settings =
-        std::make_unique<QSettings>(directory->dataDir().filePath(stateFile), QSettings::IniFormat);
+    m_settings = std::make_unique<IniFile>(directory->dataDir().filePath(stateFile));
 }
 
 QVariantList UpdateState::updateInfo() const
@@ -44,7 +42,7 @@ void UpdateState::setUpdateInfo(const QByteArray& reply)
     if (reply.isNull())
         return;
     const QVariantList entries = JsonCodec::parse(QString::fromUtf8(reply)).toList();
-    m_settings->setValue(updateInfoKey, entries);
+    store(updateInfoKey, entries);
 }
 
 QString UpdateState::latestVersion() const
@@ -71,16 +69,23 @@ bool UpdateState::wasUpdated() const
 
 void UpdateState::setWasUpdated(bool wasUpdated)
 {
-    m_settings->setValue(wasUpdatedKey, wasUpdated);
+    store(wasUpdatedKey, wasUpdated);
 }
 
 bool UpdateState::forceUpdate() const
 {
-    m_settings->sync();
+    m_settings->takeOverChanges();
     return m_settings->value(forceUpdateKey, false).toBool();
 }
 
 void UpdateState::setForceUpdate(bool forceUpdate)
 {
-    m_settings->setValue(forceUpdateKey, forceUpdate);
+    store(forceUpdateKey, forceUpdate);
+}
+
+void UpdateState::store(const QString& key, const QVariant& value)
+{
+    m_settings->takeOverChanges();
+    m_settings->setValue(key, value);
+    m_settings->write();
 }

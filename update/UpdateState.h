@@ -8,7 +8,7 @@
 #include <memory>
 
 class DataDirectory;
-class QSettings;
+class IniFile;
 
 /// What is known of newer versions, kept in `update.json` of the data directory, which is an ini
 /// file in spite of its name. Other programs may write that file while this one runs.
@@ -44,6 +44,8 @@ private:
     UpdateState();
     ~UpdateState();
 
+    void store(const QString& key, const QVariant& value);
+
     const DataDirectory* m_directory = nullptr;
-    std::unique_ptr<QSettings> m_settings;
+    std::unique_ptr<IniFile> m_settings;
 };

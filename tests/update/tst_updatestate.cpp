@@ -8,6 +8,7 @@
 #include <QDesktopServices>
 #include <QFile>
 #include <QGuiApplication>
+#include <QRegularExpression>
 
 class TestUpdateState : public QObject, private DataDirectory {
     Q_OBJECT
@@ -23,9 +24,10 @@ private slots:
     void keepsEntriesOnNullReply();
     void seesFlagsSetFromOutside();
     void leavesUnchangedFileAlone();
+    void putsDamagedFileAside();
     void startsUpdateProgram();
     void leadsToPageWithoutUpdateProgram();
-    void takesRefusalSilently();
+    void knowsWhatIsNoProgram();
 
 private:
     UpdateState& state() { return *UpdateState::instance(); }
@@ -79,7 +81,7 @@ void TestUpdateState::takesVersionFile_data()
 
     QTest::newRow("one") << QByteArray(R"([{"version":"1.2.0"}])") << 1 << QStringLiteral("1.2.0");
     QTest::newRow("several") << QByteArray(
-        R"([{"file":"a,b"},{"version":"1.9","имя":"Ж"},{"version":"2"}])")
+        R"([{"file":"a,b"},{"version":"1.9","имя":["Ж",null,{"n":[1.5,[]]}]},{"version":"2"}])")
                              << 3 << QStringLiteral("1.9");
     QTest::newRow("number") << QByteArray(R"([{"version":2}])") << 1 << QStringLiteral("2");
     QTest::newRow("no version") << QByteArray(R"([{"file":"a"},7])") << 2 << QString();
@@ -143,6 +145,23 @@ void TestUpdateState::leavesUnchangedFileAlone()
     QCOMPARE(QFileInfo(path()).lastModified(), longAgo);
 }
 
+void TestUpdateState::putsDamagedFileAside()
+{
+    // The same list of too many, as a value, in a list and under another mark.
+    for (const char* damaged :
+         {R"(@Variant(\0\0\0\t\x7f\xff\xff\xf0))", R"(a, @Variant(\0\0\0\v\x7f\0\0\0))",
+          R"(@DateTime(\0\0\0\t\0\0\x7f\xff\xff))"}) {
+        const QByteArray broken = QByteArray("[General]\nforceUpdate=true\nupdateInfo=") + damaged;
+        setContent(broken);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("put aside")));
+        QVERIFY(!state().forceUpdate());
+        QCOMPARE(state().updateInfo(), QVariantList());
+        QFile aside(path() + QStringLiteral(".damaged"));
+        QVERIFY(aside.open(QIODevice::ReadOnly));
+        QCOMPARE(aside.readAll(), broken);
+    }
+}
+
 void TestUpdateState::startsUpdateProgram()
 {
     QVERIFY(QFile::copy(QStringLiteral(PROBE), updateProgram));
@@ -162,12 +181,19 @@ void TestUpdateState::leadsToPageWithoutUpdateProgram()
     QCOMPARE(m_openedPages, QList<QUrl>{QUrl(QStringLiteral("https://service.test/monitor/"))});
 }
 
-void TestUpdateState::takesRefusalSilently()
+void TestUpdateState::knowsWhatIsNoProgram()
 {
     m_openedPages.clear();
     QVERIFY(QDir().mkdir(updateProgram));
+#ifdef Q_OS_WIN
+    // As when the user says no, which is nothing to tell.
     QCOMPARE(runElevated(updateProgram, QString()), 5);
     QVERIFY(m_openedPages.isEmpty());
+#else
+    QTest::ignoreMessage(QtWarningMsg, R"(Eror runWinAppAsAdmin "TPMC-update.exe" 11)");
+    QCOMPARE(runElevated(updateProgram, QString()), 11);
+    QCOMPARE(m_openedPages.size(), 1);
+#endif
 }
 
 TESSAPORT_TEST_MAIN(TestUpdateState, QGuiApplication)
