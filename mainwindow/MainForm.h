@@ -134,4 +134,8 @@ private:
     std::unique_ptr<AboutForm> m_aboutForm;
     TaskListForm* m_taskListForm = nullptr;
     bool m_showActiveTime = false; ///< the clock shows active time instead of work time
+    // One of each, shared by all rows of a list.
+    const QIcon m_blockingIcon{QStringLiteral(":/images/pbTaskBlocked.png")};
+    const QIcon m_urgentIcon{QStringLiteral(":/images/pbTaskUrgentGrey.png")};
+    const QIcon m_ordinaryIcon{QStringLiteral(":/images/pbTask.png")};
 };

@@ -7,6 +7,7 @@
 #include "dialogs/ScrollText.h"
 #include "dialogs/TaskForm.h"
 #include "dialogs/TaskListForm.h"
+#include "dialogs/WindowPlace.h"
 #include "mainwindow/TimeText.h"
 #include "notifications/NotificationManager.h"
 #include "res/Resources.h"
@@ -43,6 +44,7 @@ void MainForm::setupWindow()
                    | Qt::WindowStaysOnTopHint);
     const QRect available = QApplication::desktop()->availableGeometry(this);
     move(available.right() - width(), available.bottom() - height());
+    keepPlaceWhenShown(this);
 
     m_lbTask = std::make_unique<ScrollText>(true, this);
     m_lbTask->setObjectName(QStringLiteral("lbTask"));
@@ -218,10 +220,8 @@ void MainForm::updateAttention()
 QIcon MainForm::taskIcon(const Task& task) const
 {
     if (task.isBlocking())
-        return QIcon(QStringLiteral(":/images/pbTaskBlocked.png"));
-    if (task.importance > 0)
-        return QIcon(QStringLiteral(":/images/pbTaskUrgentGrey.png"));
-    return QIcon(QStringLiteral(":/images/pbTask.png"));
+        return m_blockingIcon;
+    return task.importance > 0 ? m_urgentIcon : m_ordinaryIcon;
 }
 
 void MainForm::updateOnlineState(QString message)
