@@ -7,6 +7,9 @@
 bool isSingleInstance()
 {
     static QSharedMemory lock(QLatin1String("SingleAppLock") + QCoreApplication::applicationName());
+    // Asked again; on Windows another look would let go of the lock.
+    if (lock.isAttached())
+        return false;
     // A process that was killed leaves the segment behind; detaching as the last one removes it.
     if (lock.attach(QSharedMemory::ReadOnly))
         lock.detach();

@@ -2,6 +2,7 @@
 #include "capture/UserActivityWatcher.h"
 
 #include "RealInput.h"
+#include "platform/LastInput.h"
 #include "support/TestMain.h"
 
 #include <QGuiApplication>
@@ -34,6 +35,9 @@ void UserActivityWatcherTest::pollsOnlyOnceStarted()
 
 void UserActivityWatcherTest::comparesWithTheTickBefore()
 {
+    // Where nobody has touched anything yet, the tick may be 0.
+    RealInput::movePointer();
+    QTRY_VERIFY(platform::lastInputTick() > 0);
     UserActivityWatcher watcher(nullptr);
     QSignalSpy activity(&watcher, &UserActivityWatcher::wasActivity);
     const auto poll = [&](const QVariant& before) {

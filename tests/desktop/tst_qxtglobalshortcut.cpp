@@ -157,8 +157,11 @@ void QxtGlobalShortcutTest::refused_data()
 {
     QTest::addColumn<QKeySequence>("keys");
     QTest::newRow("same program") << combination;
+    // Windows registers these two as well.
+#ifndef Q_OS_WIN
     QTest::newRow("unlisted key") << QKeySequence(Qt::CTRL | Qt::Key_Eacute);
     QTest::newRow("empty") << QKeySequence();
+#endif
 }
 
 void QxtGlobalShortcutTest::refused()

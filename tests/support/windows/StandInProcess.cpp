@@ -25,7 +25,7 @@ public:
         const bool created = keep.open(QIODevice::WriteOnly);
         QFile::remove(output());
         if (created) {
-            QProcess::startDetached(QStringLiteral("Z:" STANDIN_LAUNCHER),
+            QProcess::startDetached(QStringLiteral(STANDIN_LAUNCHER),
                                     QStringList(folder)
                                         << QStringLiteral(STANDIN_EXECUTABLE) << arguments);
         }
