@@ -28,8 +28,8 @@ Application::Application(int& argc, char** argv)
 {
     initResources();
     installPalette();
-    // Behind the style, which comes with the palette: a new style brings the system's fonts back for
-    // menus, lists and tool tips.
+    // Behind the style, which comes with the palette: a new style brings the system's fonts back
+    // for menus, lists and tool tips.
     installFonts();
     installEventFilter(new WindowShapes(this));
     setWindowIcon(QIcon(QStringLiteral(":/icons/64.ico")));
