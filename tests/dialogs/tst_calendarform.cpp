@@ -9,9 +9,7 @@
 #include <QCalendarWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QTextCharFormat>
 #include <QTimeEdit>
-#include <QToolButton>
 
 class TestCalendarForm : public QObject {
     Q_OBJECT
@@ -20,28 +18,22 @@ private slots:
     void initTestCase() { initResources(); }
     void cleanup() { NotificationManager::instance()->closeAll(); }
 
-    void needsAReason_data()
-    {
-        QTest::addColumn<QString>("reason");
-        QTest::addColumn<bool>("isAccepted");
-        QTest::newRow("empty") << "" << false;
-        QTest::newRow("blanks and line breaks") << " \n\t\n " << false;
-        QTest::newRow("words between blanks") << "\n  ill  " << true;
-    }
     void needsAReason()
     {
-        QFETCH(QString, reason);
-        QFETCH(bool, isAccepted);
         CalendarForm form;
         form.show();
         QCOMPARE(form.selectedTime(), QTime(23, 59));
         form.findChild<QCalendarWidget*>()->setSelectedDate({2001, 2, 3});
-        form.findChild<QPlainTextEdit*>()->setPlainText(reason);
         button(form, "Ок")->click();
-        QCOMPARE(form.result(), int(isAccepted ? QDialog::Accepted : QDialog::Rejected));
-        QCOMPARE(form.isVisible(), !isAccepted);
-        QCOMPARE(NotificationManager::instance()->hasNotifications(), !isAccepted);
-        QCOMPARE(form.getReason(), reason);
+        QVERIFY(form.isVisible());
+        for (const QString& reason : {QStringLiteral(" \n\t"), QStringLiteral("\n  ill  ")}) {
+            form.findChild<QPlainTextEdit*>()->setPlainText(reason);
+            QCOMPARE(form.getReason(), reason);
+            QVERIFY(form.isVisible());
+            button(form, "Ок")->click();
+        }
+        QCOMPARE(form.result(), int(QDialog::Accepted));
+        QVERIFY(NotificationManager::instance()->hasNotifications());
         QCOMPARE(form.selectedDate(), QDate(2001, 2, 3));
     }
 
@@ -71,16 +63,6 @@ private slots:
         QCOMPARE(form.result(), int(QDialog::Accepted));
         QCOMPARE(form.getReason(), QStringLiteral("ill"));
         QCOMPARE(form.selectedTime(), QTime(9, 30));
-    }
-
-    void monthAndYearAreNoButtons()
-    {
-        const CalendarForm form;
-        const auto calendar = form.findChild<QCalendarWidget*>();
-        for (const char* name : {"qt_calendar_monthbutton", "qt_calendar_yearbutton"})
-            QVERIFY(!calendar->findChild<QToolButton*>(QLatin1String(name))->isEnabled());
-        for (const Qt::DayOfWeek day : {Qt::Saturday, Qt::Sunday})
-            QCOMPARE(calendar->weekdayTextFormat(day).foreground().color(), QColor(249, 156, 0));
     }
 
 private:

@@ -56,21 +56,11 @@ class ScrollTextMemoryTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void repaintAllocatesNothing_data()
-    {
-        QTest::addColumn<int>("ticks");
-        QTest::newRow("resting") << 10;
-        QTest::newRow("edge coming in") << 60;
-        QTest::newRow("running") << 200;
-    }
     void repaintAllocatesNothing()
     {
-        QFETCH(int, ticks);
         ScrollText widget(true);
         widget.resize(171, widget.height());
         widget.setText(QStringLiteral("Сверстать страницу отчёта для бухгалтерии").repeated(20));
-        for (int i = 0; i < ticks; ++i)
-            QMetaObject::invokeMethod(&widget, "timer_timeout");
         QImage canvas(widget.size(), QImage::Format_ARGB32_Premultiplied);
         Floor floor;
         floor.resize(widget.size());
@@ -78,7 +68,12 @@ private slots:
         widget.show();
         const long least = allocationsOfRepaint(floor, canvas);
         QVERIFY(least > 0);
-        QCOMPARE(allocationsOfRepaint(widget, canvas), least);
+        // At rest, while the edge comes in, and running.
+        for (const int ticks : {10, 50, 140}) {
+            for (int i = 0; i < ticks; ++i)
+                QMetaObject::invokeMethod(&widget, "timer_timeout");
+            QCOMPARE(allocationsOfRepaint(widget, canvas), least);
+        }
     }
 };
 

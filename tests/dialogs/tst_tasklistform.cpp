@@ -109,19 +109,6 @@ private slots:
         QCOMPARE(visibleForm<TaskDescriptionForm>(), open);
     }
 
-    void keyboardFocusStaysInView()
-    {
-        m_service->session()->setTasks(QVector<Task>(50, makeTask("1", "Задача")).toList(),
-                                       QStringLiteral("2"));
-        makeForm("2");
-        m_form->show();
-        QApplication::setActiveWindow(m_form.get());
-        for (const int index : {49, 0}) {
-            row(index)->findChild<QPushButton*>()->setFocus();
-            QVERIFY(list()->viewport()->rect().contains(row(index)->geometry()));
-        }
-    }
-
 private:
     void makeForm(const char* teamId)
     {
