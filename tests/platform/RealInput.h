@@ -9,11 +9,7 @@ namespace RealInput {
 /// Moves the pointer by some pixels, in one step.
 void movePointer();
 
-/// Presses and releases a letter or a function key together with modifiers.
+/// Presses and releases a letter or a lock together with modifiers.
 void pressKeys(const QKeySequence& combination);
-
-/// Presses and releases Caps Lock or Num Lock.
-void pressCapsLock();
-void pressNumLock();
 
 } // namespace RealInput

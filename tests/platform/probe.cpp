@@ -1,18 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "desktop/QxtGlobalShortcut.h"
+
+#include <QGuiApplication>
+
 #include <cstdio>
 
-/// A process to look for: with arguments it writes them to a file, a line each, and ends; without
-/// any it lives until its standard input is closed.
+/// Another program: asks for a key combination, says whether it got it, and lives until its
+/// standard input is closed.
 int main(int argc, char* argv[])
 {
-    if (argc == 1) {
-        while (std::getchar() != EOF) { }
-        return 0;
-    }
-    std::FILE* const file = std::fopen("arguments.txt", "w");
-    if (!file)
-        return 1;
-    for (int i = 1; i < argc; ++i)
-        std::fprintf(file, "%s\n", argv[i]);
-    return std::fclose(file);
+    QGuiApplication application(argc, argv);
+    const QKeySequence keys(application.arguments().value(1));
+    QxtGlobalShortcut shortcut;
+    std::puts(shortcut.setShortcut(keys) ? "held" : "refused");
+    std::fflush(stdout);
+    while (std::getchar() != EOF) { }
+    return 0;
 }

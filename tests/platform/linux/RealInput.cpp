@@ -3,43 +3,24 @@
 
 #include <QProcess>
 
-namespace {
-
-void xdotool(const QStringList& arguments)
+static void xdotool(const QStringList& arguments)
 {
     if (QProcess::execute(QStringLiteral("xdotool"), arguments) != 0)
         qFatal("xdotool failed");
 }
 
-} // namespace
-
 void RealInput::movePointer()
 {
     // To and fro, since a pointer at the edge of the screen would not move at all.
-    static bool forth = false;
-    forth = !forth;
-    const QString place = forth ? QStringLiteral("300") : QStringLiteral("200");
-    xdotool({QStringLiteral("mousemove"), place, place});
+    static int place = 200;
+    place = 500 - place;
+    xdotool({QStringLiteral("mousemove"), QString::number(place), QString::number(place)});
 }
 
 void RealInput::pressKeys(const QKeySequence& combination)
 {
-    QStringList keys = combination.toString(QKeySequence::PortableText).split(QLatin1Char('+'));
-    for (QString& key : keys) {
-        if (key == QLatin1String("Meta"))
-            key = QStringLiteral("super");
-        else if (key.size() == 1)
-            key = key.toLower();
-    }
-    xdotool({QStringLiteral("key"), keys.join(QLatin1Char('+'))});
-}
-
-void RealInput::pressCapsLock()
-{
-    xdotool({QStringLiteral("key"), QStringLiteral("Caps_Lock")});
-}
-
-void RealInput::pressNumLock()
-{
-    xdotool({QStringLiteral("key"), QStringLiteral("Num_Lock")});
+    QString keys = combination.toString(QKeySequence::PortableText).toLower();
+    keys.replace(QLatin1String("capslock"), QLatin1String("Caps_Lock"));
+    keys.replace(QLatin1String("numlock"), QLatin1String("Num_Lock"));
+    xdotool({QStringLiteral("key"), keys});
 }

@@ -1,68 +1,33 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "RealInput.h"
 
-#include "platform/KeyTable.h"
+#include "platform/HotKeys.h"
 
+#include <QHash>
 #include <QVector>
 
 #include <windows.h>
 
-namespace {
-
-/// Down in the order given, up in the opposite.
-void press(const QVector<WORD>& keys)
-{
-    QVector<INPUT> inputs;
-    for (const WORD key : keys) {
-        INPUT input = {};
-        input.type = INPUT_KEYBOARD;
-        input.ki.wVk = key;
-        inputs.append(input);
-    }
-    for (int i = keys.size() - 1; i >= 0; --i) {
-        INPUT input = inputs.at(i);
-        input.ki.dwFlags = KEYEVENTF_KEYUP;
-        inputs.append(input);
-    }
-    SendInput(UINT(inputs.size()), inputs.data(), sizeof(INPUT));
-}
-
-} // namespace
-
 void RealInput::movePointer()
 {
-    static LONG step = 7;
+    static int step = 7;
     step = -step;
-    INPUT input = {};
-    input.type = INPUT_MOUSE;
-    input.mi.dx = step;
-    input.mi.dwFlags = MOUSEEVENTF_MOVE;
-    SendInput(1, &input, sizeof input);
+    mouse_event(MOUSEEVENTF_MOVE, DWORD(step), 0, 0, 0);
 }
 
 void RealInput::pressKeys(const QKeySequence& combination)
 {
-    const int keys = combination[0];
-    QVector<WORD> pressed;
-    if (keys & Qt::ControlModifier)
-        pressed.append(VK_CONTROL);
-    if (keys & Qt::AltModifier)
-        pressed.append(VK_MENU);
-    if (keys & Qt::ShiftModifier)
-        pressed.append(VK_SHIFT);
-    if (keys & Qt::MetaModifier)
-        pressed.append(VK_LWIN);
-    const auto key = Qt::Key(keys & ~int(Qt::KeyboardModifierMask));
-    pressed.append(WORD(platform::keyCodes(key).virtualKey));
-    press(pressed);
-}
-
-void RealInput::pressCapsLock()
-{
-    press({VK_CAPITAL});
-}
-
-void RealInput::pressNumLock()
-{
-    press({VK_NUMLOCK});
+    const int key = combination[0] & ~int(Qt::KeyboardModifierMask);
+    const QHash<int, quint32> locks{{Qt::Key_CapsLock, VK_CAPITAL}, {Qt::Key_NumLock, VK_NUMLOCK}};
+    QVector<quint32> keys{locks.value(key, platform::nativeKeyCode(Qt::Key(key)))};
+    if (combination[0] & Qt::ControlModifier)
+        keys.prepend(VK_CONTROL);
+    if (combination[0] & Qt::AltModifier)
+        keys.prepend(VK_MENU);
+    if (combination[0] & Qt::ShiftModifier)
+        keys.prepend(VK_SHIFT);
+    for (int i = 0; i < keys.size(); ++i)
+        keybd_event(BYTE(keys[i]), 0, 0, 0);
+    for (int i = keys.size() - 1; i >= 0; --i)
+        keybd_event(BYTE(keys[i]), 0, KEYEVENTF_KEYUP, 0);
 }
