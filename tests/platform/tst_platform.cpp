@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/InputTick.h"
+#include "platform/KeyTable.h"
+#include "platform/Processes.h"
+#include "support/TestMain.h"
+
+#include <QProcess>
+
+class PlatformTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void keyCodes();
+    void steadyTick();
+    void runningByExactName();
+};
+
+void PlatformTest::keyCodes()
+{
+    const QPair<Qt::Key, platform::KeyCodes> rows[] = {
+        {Qt::Key_9, {0x39, 0x39}},      {Qt::Key_Z, {0x5a, 0x5a}},
+        {Qt::Key_F24, {135, 0xffd5}},   {Qt::Key_F25, {0, 0}},
+        {Qt::Key_Backtab, {9, 0xff09}}, {Qt::Key_Print, {42, 0xff61}},
+        {Qt::Key_Slash, {111, 0xffaf}}, {Qt::Key_MediaPlay, {179, 0x1008ff14}},
+        {Qt::Key_Eacute, {0, 0}},
+    };
+    for (const auto& [key, codes] : rows) {
+        QCOMPARE(platform::keyCodes(key).virtualKey, codes.virtualKey);
+        QCOMPARE(platform::keyCodes(key).keysym, codes.keysym);
+    }
+}
+
+void PlatformTest::steadyTick()
+{
+    constexpr quint32 month = 30u * 24 * 3600 * 1000;
+    // What is known, the next reading, and what is known then.
+    const quint32 rows[][3] = {
+        {1000, 1004, 1000}, // read late
+        {1000, 1100, 1100}, // another input
+        {1000, 1000 + month, 1000 + month},
+        {100000, 90000, 100000}, // the program was held up
+        {5000, quint32(-5000), 5000}, // and the clock came round
+        {quint32(-2), 2, quint32(-2)},
+        {quint32(-2), 100, 100},
+    };
+    for (const auto& [known, reading, expected] : rows) {
+        platform::InputTick tick;
+        tick.update(known);
+        tick.update(reading);
+        QCOMPARE(tick.value(), expected);
+    }
+}
+
+void PlatformTest::runningByExactName()
+{
+    for (const QString& name : {QStringLiteral("TPMC-probe.exe"),
+                                QStringLiteral("TPMC probe of a name beyond all bounds.exe")}) {
+        const QString path = QDir::home().filePath(name);
+        QVERIFY(QFile::copy(QStringLiteral(PROBE), path));
+        QVERIFY(!platform::isProcessRunning(name));
+        QProcess process;
+        process.start(path, QStringList());
+        QVERIFY(process.waitForStarted());
+        QVERIFY(platform::isProcessRunning(name));
+        for (const QString& other :
+             {name.toUpper(), name.left(13), name.mid(1), name + name, QString()})
+            QVERIFY2(!platform::isProcessRunning(other), qPrintable(other));
+        // Where the system lets a program be removed, it runs on.
+        QFile::remove(path);
+        QVERIFY(platform::isProcessRunning(name));
+        process.closeWriteChannel();
+        QVERIFY(process.waitForFinished());
+        QVERIFY(!platform::isProcessRunning(name));
+    }
+}
+
+TESSAPORT_TEST_MAIN(PlatformTest, QCoreApplication)
+#include "tst_platform.moc"
