@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Log.h"
-#include "app/SingleInstance.h"
 #include "support/TestMain.h"
 
 class tst_Log : public QObject {
@@ -8,10 +7,7 @@ class tst_Log : public QObject {
 
 private slots:
     void lines();
-    void sizeLimit_data();
-    void sizeLimit();
     void unwritable();
-    void singleInstance();
 
 private:
     static QByteArray content()
@@ -44,28 +40,6 @@ void tst_Log::lines()
     logFile.close();
 }
 
-void tst_Log::sizeLimit_data()
-{
-    QTest::addColumn<qint64>("before");
-    QTest::addColumn<qint64>("after");
-    QTest::newRow("the largest") << largestLog << largestLog;
-    QTest::newRow("a byte more") << largestLog + 1 << 0LL;
-}
-
-void tst_Log::sizeLimit()
-{
-    QFETCH(qint64, before);
-    const QString path = m_directory.filePath(QStringLiteral("large.log"));
-    QFile large(path);
-    QVERIFY(large.open(QIODevice::WriteOnly));
-    QVERIFY(large.resize(before));
-    large.close();
-    openLog(path);
-    QTEST(logFile.size(), "after");
-    logFile.close();
-    QVERIFY(large.remove());
-}
-
 // A full disk, for a while: what is lost stays lost, and the log goes on.
 void tst_Log::unwritable()
 {
@@ -79,15 +53,6 @@ void tst_Log::unwritable()
     QVERIFY(content().contains("after a failure"));
     QVERIFY(!content().contains("standard output"));
     logFile.close();
-}
-
-// The lock is held as long as the process lives, and asking again does not give it away.
-void tst_Log::singleInstance()
-{
-    QCoreApplication::setApplicationName(m_directory.path());
-    QVERIFY(isSingleInstance());
-    QVERIFY(!isSingleInstance());
-    QVERIFY(!isSingleInstance());
 }
 
 TESSAPORT_TEST_MAIN(tst_Log, QCoreApplication)

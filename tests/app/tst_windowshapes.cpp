@@ -46,13 +46,9 @@ private slots:
             QCOMPARE(window.mask(), QRegion());
         else
             QCOMPARE(window.mask(), QRegion(panel));
-    }
-
-    void anOrdinaryWindowStaysWhole()
-    {
-        QWidget window;
-        window.show();
-        QCOMPARE(window.mask(), QRegion());
+        QWidget ordinaryWindow;
+        ordinaryWindow.show();
+        QCOMPARE(ordinaryWindow.mask(), QRegion());
     }
 
 private:
