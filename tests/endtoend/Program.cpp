@@ -20,7 +20,7 @@ Program::Program(const Home& home)
     environment.insert(QStringLiteral("TMPDIR"), home.path());
     environment.insert(QStringLiteral("PATH"),
                        home.path() + QLatin1Char(':') + qEnvironmentVariable("PATH"));
-    environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(FAKETIME_LIBRARY));
+    environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(PRELOADED));
     m_process.setProcessEnvironment(environment);
     m_process.setWorkingDirectory(home.path());
     m_process.setStandardOutputFile(QProcess::nullDevice());

@@ -95,7 +95,8 @@ void MinutesTest::minutes()
 
     const QStringList active = activity(standIn);
     const QString counts = active.join(QString());
-    QVERIFY2(QRegularExpression(QStringLiteral("^[01]0+10*$")).match(counts).hasMatch(),
+    // The way to the button may have been the input of the last one.
+    QVERIFY2(QRegularExpression(QStringLiteral("^[01]0+10*1?$")).match(counts).hasMatch(),
              qPrintable(counts));
     QCOMPARE(home.logged("Activity data prepared "), counts.size());
 
@@ -133,14 +134,13 @@ void MinutesTest::minutes()
 
 void MinutesTest::comparePicture(const StandIn& standIn)
 {
-    // One goes with the first report, and the next not before five minutes are over.
-    QVERIFY(!pictures(standIn).isEmpty());
     const QJsonArray records = standIn.confirmedRecords();
-    const QJsonObject second = records.at(1).toObject();
-    QCOMPARE(second[QLatin1String("kind")].toString(), QStringLiteral("screenshot"));
-    const QImage picture(
-        QDir(standIn.storeDir()).filePath(second[QLatin1String("picture")].toString()));
-    QCOMPARE(picture.size(), Desktop::wholeArea().size());
+    const auto first = std::find_if(records.begin(), records.end(), [](const QJsonValue& entry) {
+        return entry[QLatin1String("kind")] == QLatin1String("screenshot");
+    });
+    QVERIFY(first != records.end());
+    const QString file = (*first).toObject()[QLatin1String("picture")].toString();
+    QCOMPARE(QImage(QDir(standIn.storeDir()).filePath(file)).size(), Desktop::wholeArea().size());
 }
 
 void MinutesTest::compareLog(const Home& home)
@@ -148,7 +148,7 @@ void MinutesTest::compareLog(const Home& home)
     QList<QByteArray> lines = home.log().split('\n');
     lines.removeLast();
     const QRegularExpression form(
-        QStringLiteral("^Message\\(([01])\\) at 2024-05-14T\\d\\d:\\d\\d:\\d\\dZ: (.*)$"));
+        QStringLiteral("^Message\\(([01])\\) at 2024-05-1\\dT\\d\\d:\\d\\d:\\d\\dZ: (.*)$"));
     for (const QByteArray& line : lines) {
         const QRegularExpressionMatch match = form.match(QString::fromUtf8(line));
         QVERIFY2(match.hasMatch(), line.constData());
@@ -163,6 +163,12 @@ void MinutesTest::compareLog(const Home& home)
                        "\\d\\d:\\d\\d:\\d\\d\"$"));
     QVERIFY2(banner.match(QString::fromUtf8(lines.first())).hasMatch(), lines.first().constData());
     QVERIFY(lines.last().endsWith(": Exit TessaPort Team Monitor OK"));
+
+    // The first report brings a picture with it.
+    const int report = home.log().indexOf("Activity data prepared ");
+    const int picture = home.log().indexOf("Screenshot prepared");
+    QVERIFY(report < picture
+            && picture < home.log().indexOf("Activity data prepared ", report + 1));
 
     const auto momentOf = [&](const QByteArray& text) {
         const auto found = std::find_if(lines.cbegin(), lines.cend(), [&](const QByteArray& line) {
@@ -181,9 +187,12 @@ void MinutesTest::compareLog(const Home& home)
 
 void MinutesTest::serviceAwayAndKills()
 {
-    StandIn standIn(StandIn::demoData(), SERVICE_PORT);
+    // A team whose tasks have no times that a new start of the service would move.
+    QJsonObject data = StandIn::demoData();
+    data[QLatin1String("teams")] = QJsonArray{data[QLatin1String("teams")].toArray().at(2)};
+    StandIn standIn(data, SERVICE_PORT);
     Home home(30);
-    home.signIn("1507", "48222", true);
+    home.signIn("2192", "30002", true);
     Desktop::movePointer({200, 200});
     Program program(home);
     program.start();
@@ -223,11 +232,15 @@ void MinutesTest::serviceAwayAndKills()
     QCOMPARE(program.waitForExit(), 0);
 
     // A kill right between a line of the log and its file may take the record of that moment.
-    for (const auto& [prepared, sent] :
-         {std::pair(home.logged("Activity data prepared "), activity(standIn).size()),
+    const int minutes = home.logged("Activity data prepared ");
+    const QString worktime = Home::value(home.userFile("session.ini"), "todayWorktime").toString();
+    for (const auto& [made, kept] :
+         {std::pair(minutes, activity(standIn).size()),
           std::pair(home.logged("Screenshot prepared"), pictures(standIn).size())})
-        QVERIFY2(sent <= prepared && sent >= prepared - kills,
-                 qPrintable(QStringLiteral("%1 of %2").arg(sent).arg(prepared)));
+        QVERIFY2(kept <= made && kept >= made - kills,
+                 qPrintable(QStringLiteral("%1 of %2").arg(kept).arg(made)));
+    const int counted = QTime(0, 0).secsTo(QTime::fromString(worktime)) / 60;
+    QVERIFY2(std::abs(counted - minutes) <= kills, qPrintable(worktime));
     QCOMPARE(home.logged("Monitor started"), kills + 1);
 }
 

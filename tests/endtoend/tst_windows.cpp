@@ -78,10 +78,15 @@ void WindowsTest::changesAtService()
                              {QStringLiteral("tasks"), QJsonArray()}});
     data[QLatin1String("teams")] = teams;
     standIn.setData(data);
-    QVERIFY(refresh(program));
+    QVERIFY(program.openTaskPicker());
     // Comment, new task, removed task, deadline, team; the third and the fourth go by themselves.
-    QVERIFY(program.waitForNotices(5));
-    const QVector<QRect> stack = program.notices();
+    QVector<QRect> stack;
+    QVERIFY(waitUntil([&] {
+        stack = program.notices();
+        return stack.size() == 5;
+    }));
+    Desktop::press("Escape");
+    QVERIFY(program.waitForGone(picker));
     const QRect stripPlace = program.window(strip)->geometry;
     for (int i = 0; i < stack.size(); ++i)
         QCOMPARE(stack[i].bottomRight(), stripPlace.topRight() - QPoint(0, i * 100 + 1));
