@@ -41,6 +41,8 @@ int unescape(const QByteArray& content, int backslash, QByteArray& value)
     int end = digits;
     while (end < content.size() && isDigit(content.at(end)))
         ++end;
+    if (end == digits)
+        return first;
     const auto code = quint16(content.mid(digits, end - digits).toUInt(nullptr, isHex ? 16 : 8));
     value += code > 0xFF ? '?' : char(code);
     return end - 1;
