@@ -16,6 +16,7 @@ private slots:
     void takesVersionFile_data();
     void takesVersionFile();
     void seesFlagsSetFromOutside();
+    void putsDamagedFileAside();
     void installsDroppedProgram();
 
 private:
@@ -52,7 +53,8 @@ void TestUpdateState::takesVersionFile_data()
     QTest::addColumn<int>("count");
     QTest::addColumn<QString>("version");
 
-    QTest::newRow("several") << QByteArray(R"([{"file":"a,b"},{"version":"1.9"},{"version":"2"}])")
+    QTest::newRow("several") << QByteArray(
+        R"([{"file":"a,b"},{"version":"1.9","a":[null,{"b":[1.5]}]},7])")
                              << 3 << QStringLiteral("1.9");
     QTest::newRow("number") << QByteArray(R"([{"version":2}])") << 1 << QStringLiteral("2");
     QTest::newRow("no version") << QByteArray(R"([{"file":"a"},7])") << 2 << QString();
@@ -88,6 +90,21 @@ void TestUpdateState::seesFlagsSetFromOutside()
     QVERIFY(!m_state.forceUpdate());
     for (const char* line : {"\nforceUpdate=false", "\nwasUpdated=false", "\nupdateAtStartup=true"})
         QVERIFY2(read(path).contains(line), line);
+}
+
+void TestUpdateState::putsDamagedFileAside()
+{
+    const QString path = dataDir().filePath(QStringLiteral("update.json"));
+    // A list of too many: behind half an escape, in another list and under another mark.
+    for (const char* value :
+         {R"(@Variant(\0\0\0\x\t\x7f\xff\xff\xf0))", R"(a, @Variant(\0\0\0\v\x7f\0\0\0))",
+          R"(@DateTime(\0\0\0\t\0\0\x7f\xff\xff))"}) {
+        const QByteArray content = QByteArray("forceUpdate=true\nupdateInfo=") + value;
+        write(path, content);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("put aside")));
+        QVERIFY(!m_state.forceUpdate() && m_state.updateInfo().isEmpty());
+        QCOMPARE(read(path + QStringLiteral(".damaged")), content);
+    }
 }
 
 void TestUpdateState::installsDroppedProgram()
