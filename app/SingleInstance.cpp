@@ -11,7 +11,12 @@ bool isSingleInstance()
     if (lock.isAttached())
         return false;
     // A process that was killed leaves the segment behind; detaching as the last one removes it.
-    if (lock.attach(QSharedMemory::ReadOnly))
-        lock.detach();
-    return lock.create(1, QSharedMemory::ReadWrite);
+    // On Linux the segment is found by the number of a file, which goes when temporary files are
+    // cleared: then only the attempt to create it brings up a file that leads there.
+    const auto create = [] {
+        if (lock.attach(QSharedMemory::ReadOnly))
+            lock.detach();
+        return lock.create(1, QSharedMemory::ReadWrite);
+    };
+    return create() || create();
 }
