@@ -5,6 +5,7 @@
 #include "service/TessaPort.h"
 
 #include <QApplication>
+#include <QtTest>
 
 /// A main window that does nothing by itself.
 class QuietMainForm : public AbstractMainForm {
@@ -64,4 +65,17 @@ inline Task makeTask(const char* id, const char* title, const QDateTime& deadlin
 inline QString labelText(const QWidget& form, const char* name)
 {
     return form.findChild<QWidget*>(QLatin1String(name))->property("text").toString();
+}
+
+/// Presses a button of the mouse over a widget, and moves on to its window's right.
+inline void drag(QWidget* widget, Qt::MouseButton button)
+{
+    const QPoint place(5, 5);
+    QMouseEvent press(QEvent::MouseButtonPress, place, widget->mapToGlobal(place), button, button,
+                      {});
+    QApplication::sendEvent(widget, &press);
+    QMouseEvent move(QEvent::MouseMove, place, widget->mapToGlobal(place) + QPoint(40, 0),
+                     Qt::NoButton, button, {});
+    QApplication::sendEvent(widget, &move);
+    QTest::mouseRelease(widget, button, {}, {-1, -1});
 }

@@ -1,0 +1,275 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "PanelFixture.h"
+
+#include "dialogs/ServiceTextBrowser.h"
+#include "dialogs/TaskDescriptionForm.h"
+#include "dialogs/TaskListForm.h"
+#include "res/Resources.h"
+#include "support/TestMain.h"
+
+#include <QComboBox>
+#include <QDesktopServices>
+#include <QDesktopWidget>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+
+namespace {
+
+TaskInfo fullInfo()
+{
+    TaskInfo info;
+    info.id = QStringLiteral("21");
+    info.deadline = QDateTime({2020, 4, 26}, {18, 0});
+    info.text = QStringLiteral("<b>Три</b> текста");
+    info.files = {{{}, {}, QStringLiteral("Бриф.docx"), QStringLiteral("49357")},
+                  {{}, {}, QStringLiteral("<i>Макет</i>"), QStringLiteral("много")}};
+    TextTask first;
+    first.page = QUrl(QStringLiteral("https://a.org/?b=1&c=2"));
+    first.task = QStringLiteral("О нас");
+    first.minCount = QStringLiteral("2500");
+    first.keywords = {{{}, QStringLiteral("редакция"), QStringLiteral("2"), QStringLiteral("1")}};
+    TextTask second;
+    second.page = QUrl(QStringLiteral("https://b.org/?q=\"><h1>x</h1>"));
+    info.texts = {first, second};
+    return info;
+}
+
+/// The texts of the labels in a list's rows, those of one row separated by "|".
+QStringList rowTexts(const QListWidget* list)
+{
+    QStringList texts;
+    for (int i = 0; i < list->count(); ++i) {
+        QStringList row;
+        for (const QWidget* part : list->itemWidget(list->item(i))->findChildren<QWidget*>()) {
+            if (!qobject_cast<const QPushButton*>(part))
+                row << part->property("text").toString();
+        }
+        texts << row.join(QLatin1Char('|'));
+    }
+    return texts;
+}
+
+} // namespace
+
+/// The list of a team's tasks and the descriptions that it opens.
+class TaskPanelsTest : public QObject {
+    Q_OBJECT
+
+public slots:
+    /// Takes the place of the user's browser.
+    void open(const QUrl& url) { m_opened << url; }
+
+private slots:
+    void initTestCase() { initResources(); }
+    void init()
+    {
+        m_service = std::make_unique<SignedInService>();
+        m_mainForm = std::make_unique<QuietMainForm>(m_service.get());
+        Session* const session = m_service->session();
+        session->setTeams({{QStringLiteral("1"), QStringLiteral("Первая")},
+                           {QStringLiteral("2"), QStringLiteral("Вторая")}});
+        session->setTasks({makeTask("11", "Письмо")}, QStringLiteral("1"));
+        session->setTasks({makeTask("21", "<h1>Макет</h1>", QDateTime({2020, 4, 26}, {18, 5})),
+                           makeTask("22", "Текст"), unassignedTask()},
+                          QStringLiteral("2"));
+        session->setTeamID(QStringLiteral("2"));
+        m_list = std::make_unique<TaskListForm>(m_service.get(), m_mainForm.get());
+        m_description = std::make_unique<TaskDescriptionForm>(QStringLiteral("21"), m_service.get(),
+                                                              m_list.get());
+    }
+    void cleanup()
+    {
+        m_description.reset();
+        m_list.reset();
+        m_mainForm.reset();
+        m_service.reset();
+    }
+
+    void listsTheTasksOfTheChosenTeam()
+    {
+        QCOMPARE(rowTexts(list()),
+                 QStringList({QStringLiteral("<h1>Макет</h1> | Истекает: 2020-04-26 18:05:00"),
+                              QStringLiteral("Текст | Истекает: ")}));
+        QVERIFY(row(0)->findChild<QLabel*>()->toolTip().contains(QStringLiteral("&lt;h1&gt;")));
+        const QRect area = QApplication::desktop()->availableGeometry(m_list.get());
+        QCOMPARE(m_list->pos(), QPoint(area.right() - 394, area.bottom() - (565 + 73)));
+
+        // It is built when the team changes and not before.
+        m_service->session()->setTasks({}, QStringLiteral("2"));
+        emit m_service->session()->teamsUpdated();
+        QCOMPARE(list()->count(), 2);
+        emit m_service->teamChanged(QStringLiteral("1"));
+        QCOMPARE(rowTexts(list()), QStringList(QStringLiteral("Письмо | Истекает: ")));
+        QCOMPARE(m_list->windowTitle(), QStringLiteral("Задачи команды \"Первая\""));
+        emit m_service->teamChanged(QStringLiteral("3"));
+        QCOMPARE(list()->count(), 0);
+        QCOMPARE(m_list->windowTitle(), QStringLiteral("Задачи команды \"\""));
+    }
+
+    void rowButtonTogglesTheDescription()
+    {
+        m_list->show();
+        clickRow(0);
+        const QPointer<TaskDescriptionForm> first = visibleForm<TaskDescriptionForm>();
+        QVERIFY(first);
+        QCOMPARE(first->geometry().topRight() + QPoint(1, 0), m_list->pos());
+        clickRow(1);
+        TaskDescriptionForm* const second = visibleForm<TaskDescriptionForm>();
+        QVERIFY(second && second != first);
+
+        // All that was shown comes back, and nothing else.
+        emit m_mainForm->hideAll();
+        emit m_mainForm->hideAll();
+        QVERIFY(!m_list->isVisible() && !second->isVisible());
+        emit m_mainForm->showAll();
+        QVERIFY(m_list->isVisible());
+        QCOMPARE(visibleForm<TaskDescriptionForm>(), second);
+
+        emit m_service->teamChanged(QStringLiteral("1"));
+        emit m_service->teamChanged(QStringLiteral("2"));
+        clickRow(0);
+        QCOMPARE(visibleForm<TaskDescriptionForm>(), first.data());
+        m_list->on_pbHide_clicked();
+        emit m_mainForm->showAll();
+        QVERIFY(!m_list->isVisible() && !first->isVisible());
+        m_list.reset();
+        QVERIFY(!first);
+    }
+
+    void describesItsTask()
+    {
+        QCOMPARE(text("lbTaskDeadline"), QStringLiteral("..."));
+        emit m_service->taskInfoUpdated(fullInfo());
+        emit m_service->taskInfoUpdated(TaskInfo());
+        QCOMPARE(text("lbTaskDeadline"), QStringLiteral("Истекает: 2020-04-26 18:00:00"));
+        QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("2"));
+        QCOMPARE(rowTexts(child<QListWidget>("listAttachments")),
+                 QStringList({QStringLiteral("Бриф.docx|48.20 KB"),
+                              QStringLiteral("<i>Макет</i>|0.00 B")}));
+        QCOMPARE(child<QTextBrowser>("textTask")->toPlainText(), QStringLiteral("Три текста"));
+        QCOMPARE(text("lbUrl"),
+                 QStringLiteral("URL: <a href=\"https://a.org/?b=1&c=2\" "
+                                "style=\"color:rgb(100,100,100)\">https://a.org/?b=1&c=2</a>"));
+        QCOMPARE(child<QTextBrowser>("textRequirements")->toPlainText(), QStringLiteral("О нас"));
+        QCOMPARE(text("lbSignNumber"), QStringLiteral("Количество знаков: 2500"));
+        QCOMPARE(rowTexts(child<QListWidget>("listKeywords")),
+                 QStringList(QStringLiteral("редакция|Точн. 2|Неточн. 1")));
+
+        TaskInfo bare;
+        bare.id = QStringLiteral("21");
+        emit m_service->taskInfoUpdated(bare);
+        QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("0"));
+        QCOMPARE(child<QListWidget>("listAttachments")->count(), 0);
+        QCOMPARE(text("lbTaskDeadline"), QStringLiteral("Истекает: "));
+
+        // Offline, what is cached.
+        m_service->session()->setTaskInfo(bare.id, fullInfo());
+        m_description->requestUpdateTask(bare.id);
+        QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("2"));
+    }
+
+    void namesEachResponsibleOnce()
+    {
+        // Executor, creator and auditor.
+        const char* const rows[][2] = {{"||", ""},       {"A|B|C", "A, B, C"}, {"A|A|A", "A"},
+                                       {"|B|", "B"},     {"||C", "C"},         {"A|B|B", "A, B"},
+                                       {"A|B|A", "A, B"}};
+        for (const auto& [people, names] : rows) {
+            const QStringList parts = QString::fromLatin1(people).split(QLatin1Char('|'));
+            TaskInfo info = fullInfo();
+            info.executorName = parts[0];
+            info.creatorName = parts[1];
+            info.auditorName = parts[2];
+            m_description->updateTask(info);
+            QCOMPARE(text("lbResponsible"),
+                     QStringLiteral("Ответственные: ") + QLatin1String(names));
+        }
+    }
+
+    void readableSize()
+    {
+        const auto size = &TaskDescriptionForm::size_human;
+        QCOMPARE(size(1023), QStringLiteral("1023.00 B"));
+        QCOMPARE(size(1024), QStringLiteral("1.00 KB"));
+        QCOMPARE(size(1572864), QStringLiteral("1.50 MB"));
+        QCOMPARE(size(2251799813685248), QStringLiteral("2048.00 TB"));
+        QCOMPARE(size(-2048), QStringLiteral("-2048.00 B"));
+    }
+
+    void turnsItsPages()
+    {
+        const auto showsTexts = [this] {
+            const bool shows = child<QWidget>("copyrightTasksWidget")->isVisible();
+            return shows != child<QWidget>("mainWidget")->isVisible() ? QVariant(shows)
+                                                                      : QVariant();
+        };
+        const auto textsButton = child<QPushButton>("pbCopyrightTasks");
+        m_description->show();
+        m_description->updateTask(fullInfo());
+        QCOMPARE(showsTexts(), QVariant(false));
+        textsButton->click();
+        QCOMPARE(showsTexts(), QVariant(true));
+        child<QComboBox>("cbTexts")->setCurrentIndex(1);
+        QVERIFY(text("lbUrl").contains(QStringLiteral("https://b.org")));
+        // What stands in the address stays in the link.
+        QCOMPARE(text("lbUrl").count(QLatin1Char('"')), 4);
+        QCOMPARE(text("lbUrl").count(QLatin1Char('<')), 2);
+
+        m_description->updateTask(fullInfo());
+        QCOMPARE(showsTexts(), QVariant(true));
+        QCOMPARE(child<QComboBox>("cbTexts")->count(), 2);
+        QVERIFY(text("lbUrl").contains(QStringLiteral("https://a.org")));
+        child<QPushButton>("pbMainInfo")->click();
+        QCOMPARE(showsTexts(), QVariant(false));
+
+        textsButton->click();
+        TaskInfo withoutTexts = fullInfo();
+        withoutTexts.texts.clear();
+        m_description->updateTask(withoutTexts);
+        QCOMPARE(showsTexts(), QVariant(false));
+        QVERIFY(!textsButton->isEnabled());
+    }
+
+    void textReachesNothingBeyondItself()
+    {
+        QTemporaryDir directory;
+        const QString file = directory.filePath(QStringLiteral("picture.png"));
+        QImage picture(400, 300, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        QVERIFY(picture.save(file));
+        ServiceTextBrowser text;
+        text.resize(500, 400);
+        for (const QString& source : {file, QUrl::fromLocalFile(file).toString()}) {
+            text.setText(QStringLiteral("<p><img src=\"%1\"></p>").arg(source));
+            QVERIFY(text.grab().toImage().pixelColor(200, 150) != Qt::red);
+        }
+
+        for (const char* scheme : {"https", "file", "ftp"})
+            QDesktopServices::setUrlHandler(QLatin1String(scheme), this, "open");
+        for (const char* link : {"https://example.org/a", "file:///etc/passwd", "ftp://x/y", "#a"})
+            emit text.anchorClicked(QUrl(QLatin1String(link)));
+        QCOMPARE(m_opened, QList<QUrl>({QUrl(QStringLiteral("https://example.org/a"))}));
+    }
+
+private:
+    QListWidget* list() const { return m_list->findChild<QListWidget*>(); }
+    QWidget* row(int index) const { return list()->itemWidget(list()->item(index)); }
+    void clickRow(int index) const { row(index)->findChild<QPushButton*>()->click(); }
+    /// A part of the description.
+    template <class Widget> Widget* child(const char* name) const
+    {
+        return m_description->findChild<Widget*>(QLatin1String(name));
+    }
+    QString text(const char* name) const { return labelText(*m_description, name); }
+
+    std::unique_ptr<SignedInService> m_service;
+    std::unique_ptr<QuietMainForm> m_mainForm;
+    std::unique_ptr<TaskListForm> m_list;
+    std::unique_ptr<TaskDescriptionForm> m_description;
+    QList<QUrl> m_opened;
+};
+
+TESSAPORT_TEST_MAIN(TaskPanelsTest, QApplication)
+
+#include "tst_taskpanels.moc"
