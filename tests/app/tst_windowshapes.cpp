@@ -42,10 +42,7 @@ private slots:
     {
         PanelWindow window;
         window.show();
-        if (platform::mixesTranslucentWindows())
-            QCOMPARE(window.mask(), QRegion());
-        else
-            QCOMPARE(window.mask(), QRegion(panel));
+        QCOMPARE(window.mask(), platform::mixesTranslucentWindows() ? QRegion() : QRegion(panel));
         QWidget ordinaryWindow;
         ordinaryWindow.show();
         QCOMPARE(ordinaryWindow.mask(), QRegion());

@@ -12,23 +12,6 @@
 #include <QLabel>
 #include <QPushButton>
 
-class tst_MainForm : public QObject {
-    Q_OBJECT
-
-private slots:
-    void initTestCase() { initResources(); }
-    void activeMinute();
-    void idleMinuteAfterResume();
-    void stopInMidMinute();
-    void midnight();
-    void noTask();
-    void blockingTask();
-    void closedTask();
-    void pictures();
-    void overdueLabels();
-    void playButton();
-};
-
 namespace {
 
 const QString teamId = QStringLiteral("17");
@@ -103,142 +86,155 @@ struct Strip {
 
 } // namespace
 
-void tst_MainForm::activeMinute()
-{
-    Strip strip;
-    strip.invoke("setHasActivity"); // before the start: does not count
-    strip.play->click();
-    strip.invoke("clock", 60);
-    strip.slotsPass(9, {0});
-    QVERIFY(strip.reports().isEmpty());
-    strip.slotsPass(1);
-    QCOMPARE(strip.reports(), QList<int>({-1, 1}));
-    QCOMPARE(strip.session->todayActiveTime(QStringLiteral("1")), QTime(0, 1));
-    QCOMPARE(strip.session->displayWorktime(), QTime(0, 1));
-}
+class MainFormTest : public QObject {
+    Q_OBJECT
 
-void tst_MainForm::idleMinuteAfterResume()
-{
-    Strip strip(true);
-    QVERIFY(strip.play->isChecked() && strip.session->active());
-    QCOMPARE(strip.action->text(), QStringLiteral("Стоп"));
-    strip.slotsPass(10, {3, 4});
-    strip.invoke("clock", 90);
-    QCOMPARE(strip.session->displayActivetime(), QTime(0, 1, 30));
-    strip.slotsPass(10);
-    QCOMPARE(strip.reports(), QList<int>({-1, 0, 2}));
-    QCOMPARE(strip.session->displayActivetime(), QTime(0, 1));
-    QCOMPARE(strip.session->displayWorktime(), QTime(0, 1, 30));
-}
-
-void tst_MainForm::stopInMidMinute()
-{
-    Strip strip;
-    strip.play->click();
-    strip.invoke("clock", 59);
-    strip.slotsPass(9, {0});
-    strip.play->click();
-    QCOMPARE(strip.session->displayWorktime(), QTime(0, 0));
-    QCOMPARE(strip.action->text(), QStringLiteral("Старт"));
-    strip.play->click();
-    strip.slotsPass(9);
-    QVERIFY(strip.reports().isEmpty());
-    strip.slotsPass(1);
-    QCOMPARE(strip.reports(), QList<int>({-1, 0}));
-}
-
-void tst_MainForm::midnight()
-{
-    Strip strip(true);
-    const auto* shown = strip.form->findChild<QLabel*>(QStringLiteral("lbClock"));
-    strip.slotsPass(10, {0});
-    strip.invoke("clock", 5);
-    strip.session->setWorktimeDate(QDate::currentDate().addDays(-1));
-    strip.invoke("clock");
-    QCOMPARE(shown->text(), QStringLiteral("00:00:00"));
-    QCOMPARE(strip.session->todayActiveTime(QStringLiteral("1")), QTime(0, 0));
-    strip.invoke("clock");
-    QCOMPARE(shown->text(), QStringLiteral("00:00:01"));
-}
-
-void tst_MainForm::noTask()
-{
-    Strip strip(false, QString());
-    QVERIFY(strip.play->styleSheet().contains(QLatin1String("pbPlay_Disabled")));
-    strip.invoke("on_actionStartStop_triggered");
-    strip.play->click();
-    QVERIFY(!strip.session->active());
-}
-
-void tst_MainForm::blockingTask()
-{
-    Strip strip(true);
-    // In another team it rules out nothing.
-    Task blocking = task(QStringLiteral("9"));
-    blocking.block = QStringLiteral("1");
-    strip.session->setTasks({blocking}, QStringLiteral("18"));
-    QVERIFY(strip.session->active());
-    strip.session->setTasks({task(QStringLiteral("1")), blocking}, teamId);
-    QVERIFY(!strip.session->active() && !strip.play->isChecked());
-    strip.session->setTaskID(QStringLiteral("1"));
-    QVERIFY(strip.session->taskID().isEmpty());
-    strip.session->setTaskID(blocking.id);
-    QCOMPARE(strip.session->taskID(), blocking.id);
-}
-
-void tst_MainForm::closedTask()
-{
-    Strip strip(true);
-    strip.session->save(); // from now on changes are told
-    strip.session->setTasks({task(QStringLiteral("1"))}, teamId);
-    QVERIFY(strip.session->active());
-    strip.session->setTasks({unassignedTask()}, teamId);
-    QVERIFY(!strip.session->active() && !strip.play->isCheckable());
-}
-
-void tst_MainForm::pictures()
-{
-    Strip strip(true);
-    strip.slotsPass(20);
-    QCOMPARE(strip.reports().count(-1), 1);
-    // Due, but only together with a report; a stop in between loses nothing of it.
-    strip.invoke("screenshotTimeout");
-    strip.slotsPass(9);
-    strip.play->click();
-    strip.play->click();
-    QCOMPARE(strip.reports().count(-1), 1);
-    strip.slotsPass(20);
-    QCOMPARE(strip.reports().count(-1), 2);
-}
-
-void tst_MainForm::overdueLabels()
-{
-    Strip strip;
-    auto* label = strip.form->findChild<QLabel*>(QStringLiteral("lbOverdueTime"));
-    Task late = task(QStringLiteral("1"));
-    late.deadline = QDateTime::currentDateTime().addSecs(60);
-    strip.session->setTasks({late, unassignedTask()}, teamId);
-    QVERIFY(label->isHidden());
-    late.deadline = QDateTime::currentDateTime().addSecs(-2 * 3600 - 5);
-    strip.session->setTasks({late, unassignedTask()}, teamId);
-    QCOMPARE(label->isHidden() ? QString() : label->text(), QStringLiteral("2ч. "));
-    strip.session->setTaskID(unassignedTaskId);
-    QVERIFY(label->isHidden());
-}
-
-void tst_MainForm::playButton()
-{
-    for (const char* state : {"Pause_Online", "Play_Online", "Pause_Offline", "Play_Offline"}) {
-        const QString name = QLatin1String(state);
-        Strip strip(name.startsWith(QLatin1String("Pause")));
-        strip.session->setIsOnline(name.endsWith(QLatin1String("Online")));
-        QVERIFY(QMetaObject::invokeMethod(strip.form.get(), "updateOnlineState",
-                                          Q_ARG(QString, QString())));
-        const QString picture = QStringLiteral(":/images/pb%1_hovered_clicked.png").arg(name);
-        QVERIFY2(strip.play->styleSheet().contains(picture), state);
+private slots:
+    void initTestCase() { initResources(); }
+    void activeMinute()
+    {
+        Strip strip;
+        strip.invoke("setHasActivity"); // before the start: does not count
+        strip.play->click();
+        strip.invoke("clock", 60);
+        strip.slotsPass(9, {0});
+        QVERIFY(strip.reports().isEmpty());
+        strip.slotsPass(1);
+        QCOMPARE(strip.reports(), QList<int>({-1, 1}));
+        QCOMPARE(strip.session->todayActiveTime(QStringLiteral("1")), QTime(0, 1));
+        QCOMPARE(strip.session->displayWorktime(), QTime(0, 1));
     }
-}
 
-TESSAPORT_TEST_MAIN(tst_MainForm, QApplication)
+    void idleMinuteAfterResume()
+    {
+        Strip strip(true);
+        QVERIFY(strip.play->isChecked() && strip.session->active());
+        QCOMPARE(strip.action->text(), QStringLiteral("Стоп"));
+        strip.slotsPass(10, {3, 4});
+        strip.invoke("clock", 90);
+        QCOMPARE(strip.session->displayActivetime(), QTime(0, 1, 30));
+        strip.slotsPass(10);
+        QCOMPARE(strip.reports(), QList<int>({-1, 0, 2}));
+        QCOMPARE(strip.session->displayActivetime(), QTime(0, 1));
+        QCOMPARE(strip.session->displayWorktime(), QTime(0, 1, 30));
+    }
+
+    void stopInMidMinute()
+    {
+        Strip strip;
+        strip.play->click();
+        strip.invoke("clock", 59);
+        strip.slotsPass(9, {0});
+        strip.play->click();
+        QCOMPARE(strip.session->displayWorktime(), QTime(0, 0));
+        QCOMPARE(strip.action->text(), QStringLiteral("Старт"));
+        strip.play->click();
+        strip.slotsPass(9);
+        QVERIFY(strip.reports().isEmpty());
+        strip.slotsPass(1);
+        QCOMPARE(strip.reports(), QList<int>({-1, 0}));
+    }
+
+    void midnight()
+    {
+        Strip strip(true);
+        const auto* shown = strip.form->findChild<QLabel*>(QStringLiteral("lbClock"));
+        strip.slotsPass(10, {0});
+        strip.invoke("clock", 5);
+        strip.session->setWorktimeDate(QDate::currentDate().addDays(-1));
+        strip.invoke("clock");
+        QCOMPARE(shown->text(), QStringLiteral("00:00:00"));
+        QCOMPARE(strip.session->todayActiveTime(QStringLiteral("1")), QTime(0, 0));
+        strip.invoke("clock");
+        QCOMPARE(shown->text(), QStringLiteral("00:00:01"));
+    }
+
+    void noTask()
+    {
+        Strip strip(false, QString());
+        QVERIFY(strip.play->styleSheet().contains(QLatin1String("pbPlay_Disabled")));
+        strip.invoke("on_actionStartStop_triggered");
+        strip.play->click();
+        QVERIFY(!strip.session->active());
+    }
+
+    void blockingTask()
+    {
+        Strip strip(true);
+        // In another team it rules out nothing.
+        Task blocking = task(QStringLiteral("9"));
+        blocking.block = QStringLiteral("1");
+        strip.session->setTasks({blocking}, QStringLiteral("18"));
+        QVERIFY(strip.session->active());
+        strip.session->setTasks({task(QStringLiteral("1")), blocking}, teamId);
+        QVERIFY(!strip.session->active() && !strip.play->isChecked());
+        strip.session->setTaskID(QStringLiteral("1"));
+        QVERIFY(strip.session->taskID().isEmpty());
+        strip.session->setTaskID(blocking.id);
+        QCOMPARE(strip.session->taskID(), blocking.id);
+    }
+
+    void closedTask()
+    {
+        Strip strip(true);
+        strip.session->save(); // from now on changes are told
+        strip.session->setTasks({task(QStringLiteral("1"))}, teamId);
+        QVERIFY(strip.session->active());
+        strip.session->setTasks({unassignedTask()}, teamId);
+        QVERIFY(!strip.session->active() && !strip.play->isCheckable());
+    }
+
+    void pictures()
+    {
+        Strip strip(true);
+        strip.slotsPass(20);
+        QCOMPARE(strip.reports().count(-1), 1);
+        // Due, but only together with a report; a stop in between loses nothing of it.
+        strip.invoke("screenshotTimeout");
+        strip.slotsPass(9);
+        strip.play->click();
+        strip.play->click();
+        QCOMPARE(strip.reports().count(-1), 1);
+        strip.slotsPass(20);
+        QCOMPARE(strip.reports().count(-1), 2);
+    }
+
+    void overdueLabels()
+    {
+        Strip strip;
+        auto* label = strip.form->findChild<QLabel*>(QStringLiteral("lbOverdueTime"));
+        Task late = task(QStringLiteral("1"));
+        late.deadline = QDateTime::currentDateTime().addSecs(60);
+        strip.session->setTasks({late, unassignedTask()}, teamId);
+        QVERIFY(label->isHidden());
+        late.deadline = QDateTime::currentDateTime().addSecs(-2 * 3600 - 5);
+        strip.session->setTasks({late, unassignedTask()}, teamId);
+        QCOMPARE(label->isHidden() ? QString() : label->text(), QStringLiteral("2ч. "));
+        strip.session->setTaskID(unassignedTaskId);
+        QVERIFY(label->isHidden());
+    }
+
+    void playButton()
+    {
+        const QRegularExpression url(QStringLiteral(R"(url\((.*?)\))"));
+        for (const char* state : {"Pause_Online", "Play_Online", "Pause_Offline", "Play_Offline"}) {
+            const QString name = QLatin1String(state);
+            Strip strip(name.startsWith(QLatin1String("Pause")));
+            strip.session->setIsOnline(name.endsWith(QLatin1String("Online")));
+            QVERIFY(QMetaObject::invokeMethod(strip.form.get(), "updateOnlineState",
+                                              Q_ARG(QString, QString())));
+            QStringList pictures;
+            auto match = url.globalMatch(strip.play->styleSheet());
+            while (match.hasNext()) {
+                pictures.append(match.next().captured(1));
+                QVERIFY2(QFile::exists(pictures.last()), qPrintable(pictures.last()));
+            }
+            const QString picture = QStringLiteral(":/images/pb%1_hovered_clicked.png").arg(name);
+            QVERIFY2(pictures.contains(picture), state);
+        }
+    }
+};
+
+TESSAPORT_TEST_MAIN(MainFormTest, QApplication)
 
 #include "tst_mainform.moc"

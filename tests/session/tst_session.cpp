@@ -10,27 +10,6 @@
 
 #include <memory>
 
-/// The session in memory: what a refresh makes of two snapshots, and the day's counters.
-class SessionTest : public QObject {
-    Q_OBJECT
-
-private slots:
-    void init();
-    void cleanup() { NotificationManager::instance()->closeAll(); }
-    void noticesAndSignalsInOrder();
-    void sharedDeadlineIsToldOnce();
-    void listenerMayUseTheSession();
-    void teams();
-    void minutes();
-    void onlyALaterDateEndsTheDay_data();
-    void onlyALaterDateEndsTheDay();
-    void timesFromTheService();
-
-private:
-    std::unique_ptr<SessionOwner> m_owner;
-    Session* m_session = nullptr;
-};
-
 namespace {
 
 const QString a = QStringLiteral("a");
@@ -64,170 +43,176 @@ QStringList takeNotices()
 
 } // namespace
 
-void SessionTest::init()
-{
-    m_owner.reset();
-    QDir(QDir::home().filePath(QStringLiteral(".tessaport"))).removeRecursively();
-    m_owner = std::make_unique<SessionOwner>();
-    m_session = m_owner->session();
-    m_session->load(QStringLiteral("anna"), QStringLiteral("p"));
-    const QList<Task> tasks{task("1"), task("2", "1"), task("3"), unassignedTask()};
-    m_session->setTasks(tasks, a);
-    m_session->setTasks({task("1"), task("4"), unassignedTask()}, b);
-    m_session->setTeams({{a, QStringLiteral("Команда a")}, {b, QStringLiteral("Команда b")}});
-    m_session->setTeamID(a);
-    m_session->setTaskID(taskId);
+/// The session in memory: what a refresh makes of two snapshots, and the day's counters.
+class SessionTest : public QObject {
+    Q_OBJECT
 
-    // The first refresh is silent and unsaved; the first list of the second one gets it saved.
-    const QString file = m_owner->dataDir().filePath(QStringLiteral("anna/tasks.ini"));
-    QVERIFY(!QFile::exists(file));
-    m_session->setTasks(tasks, a);
-    QVERIFY(QFile::exists(file));
-    QVERIFY(takeNotices().isEmpty());
-}
+private slots:
+    void init()
+    {
+        m_owner.reset();
+        QDir(QDir::home().filePath(QStringLiteral(".tessaport"))).removeRecursively();
+        m_owner = std::make_unique<SessionOwner>();
+        m_session = m_owner->session();
+        m_session->load(QStringLiteral("anna"), QStringLiteral("p"));
+        const QList<Task> tasks{task("1"), task("2", "1"), task("3"), unassignedTask()};
+        m_session->setTasks(tasks, a);
+        m_session->setTasks({task("1"), task("4"), unassignedTask()}, b);
+        m_session->setTeams({{a, QStringLiteral("Команда a")}, {b, QStringLiteral("Команда b")}});
+        m_session->setTeamID(a);
+        m_session->setTaskID(taskId);
 
-void SessionTest::noticesAndSignalsInOrder()
-{
-    QStringList events;
-    connect(m_session, &Session::taskClosed, this, [&events](const QString& id) {
-        events << QStringLiteral("closed ") + id
-                + QString::number(QApplication::topLevelWidgets().size());
-    });
-    connect(m_session, &Session::overdueTimeChanged, this,
-            [&events] { events << QStringLiteral("overdue"); });
-    connect(m_session, &Session::tasksUpdated, this,
-            [&events](const QString& id) { events << QStringLiteral("tasks ") + id; });
-    QTest::ignoreMessage(QtDebugMsg, "Task added  \"Задача 5\" \"5\"");
-    QTest::ignoreMessage(QtDebugMsg, "Task blocked added  \"Задача 6\" \"6\"");
-    Task moved = task("1", "5", 9);
-    moved.title = QStringLiteral("Новое");
-    moved.lastComment = moved.deadline;
-    m_session->setTasks({task("5"), moved, task("6", "1"), unassignedTask()}, a);
-    QCOMPARE(takeNotices(),
-             (QStringList{
-                 QStringLiteral("3 Добавлена новая задача \"Задача 5\""),
-                 QStringLiteral("8 Задача \"Новое\" помечена как блокирующая"),
-                 QStringLiteral("5 К задаче \"Новое\" добавлен новый комментарий"),
-                 QStringLiteral("10 Добавлена новая блокируюшая задача \"Задача 6\""),
-                 QStringLiteral("4 Задача \"Задача 2\" более недоступна"),
-                 QStringLiteral("4 Задача \"Задача 3\" более недоступна"),
-                 QStringLiteral("7 Дедлайн задачи \"Задача 1\" был изменён"),
-             }));
-    // Each task is closed right after its own notice and before the next one.
-    QCOMPARE(events, QStringLiteral("closed 25,closed 36,overdue,tasks a").split(QLatin1Char(',')));
-}
+        // The first refresh is silent and unsaved; the first list of the second one gets it saved.
+        const QString file = m_owner->dataDir().filePath(QStringLiteral("anna/tasks.ini"));
+        QVERIFY(!QFile::exists(file));
+        m_session->setTasks(tasks, a);
+        QVERIFY(QFile::exists(file));
+        QVERIFY(takeNotices().isEmpty());
+    }
 
-void SessionTest::sharedDeadlineIsToldOnce()
-{
-    m_session->setTasks({task("1", "", 8), task("2", "1"), task("3"), unassignedTask()}, a);
-    m_session->setTasks({task("1", "", 8), task("4", "", 8), unassignedTask()}, b);
-    QCOMPARE(takeNotices().size(), 2);
+    void cleanup() { NotificationManager::instance()->closeAll(); }
 
-    // What was copied is as good as what the service sent, on disk too.
-    m_session->setTasks({task("1", "", 7), task("2", "1"), task("3"), unassignedTask()}, a);
-    m_session->save();
-    Session other(m_owner.get());
-    other.load(QStringLiteral("anna"), QString());
-    QCOMPARE(other.task(b, taskId).deadline, task("1", "", 7).deadline);
-}
+    void noticesAndSignalsInOrder()
+    {
+        QStringList events;
+        connect(m_session, &Session::taskClosed, this, [&events](const QString& id) {
+            events << QStringLiteral("closed ") + id
+                    + QString::number(QApplication::topLevelWidgets().size());
+        });
+        connect(m_session, &Session::overdueTimeChanged, this,
+                [&events] { events << QStringLiteral("overdue"); });
+        connect(m_session, &Session::tasksUpdated, this,
+                [&events](const QString& id) { events << QStringLiteral("tasks ") + id; });
+        QTest::ignoreMessage(QtDebugMsg, "Task added  \"Задача 5\" \"5\"");
+        QTest::ignoreMessage(QtDebugMsg, "Task blocked added  \"Задача 6\" \"6\"");
+        Task moved = task("1", "5", 9);
+        moved.title = QStringLiteral("Новое");
+        moved.lastComment = moved.deadline;
+        m_session->setTasks({task("5"), moved, task("6", "1"), unassignedTask()}, a);
+        QCOMPARE(takeNotices(),
+                 (QStringList{
+                     QStringLiteral("3 Добавлена новая задача \"Задача 5\""),
+                     QStringLiteral("8 Задача \"Новое\" помечена как блокирующая"),
+                     QStringLiteral("5 К задаче \"Новое\" добавлен новый комментарий"),
+                     QStringLiteral("10 Добавлена новая блокируюшая задача \"Задача 6\""),
+                     QStringLiteral("4 Задача \"Задача 2\" более недоступна"),
+                     QStringLiteral("4 Задача \"Задача 3\" более недоступна"),
+                     QStringLiteral("7 Дедлайн задачи \"Задача 1\" был изменён"),
+                 }));
+        // Each task is closed right after its own notice and before the next one.
+        QCOMPARE(events,
+                 QStringLiteral("closed 25,closed 36,overdue,tasks a").split(QLatin1Char(',')));
+    }
 
-void SessionTest::listenerMayUseTheSession()
-{
-    connect(m_session, &Session::taskClosed, this, [this] {
-        m_session->setTaskID(QString());
-        m_session->removeTask(task("1"));
-        m_session->setTasks({task("7")}, QStringLiteral("c"));
+    void sharedDeadlineIsToldOnce()
+    {
+        m_session->setTasks({task("1", "", 8), task("2", "1"), task("3"), unassignedTask()}, a);
+        m_session->setTasks({task("1", "", 8), task("4", "", 8), unassignedTask()}, b);
+        QCOMPARE(takeNotices().size(), 2);
+
+        // What was copied is as good as what the service sent, on disk too.
+        m_session->setTasks({task("1", "", 7), task("2", "1"), task("3"), unassignedTask()}, a);
         m_session->save();
-    });
-    QSignalSpy overdue(m_session, &Session::overdueTimeChanged);
-    m_session->setTasks({task("1", "", 5)}, a);
-    // The task is not the chosen one any more when its deadline is compared.
-    QCOMPARE(overdue.size(), 0);
-    QCOMPARE(m_session->tasks(a).size(), 1);
-}
+        Session other(m_owner.get());
+        other.load(QStringLiteral("anna"), QString());
+        QCOMPARE(other.task(b, taskId).deadline, task("1", "", 7).deadline);
+    }
 
-void SessionTest::teams()
-{
-    const QString c = QStringLiteral("c");
-    m_session->setTeams({{c, c}, {b, c}, {QStringLiteral("0"), QStringLiteral("0")}});
-    QCOMPARE(
-        takeNotices(),
-        (QStringList{QStringLiteral("1 Добавлена новая команда \"c\""),
-                     QStringLiteral("1 Добавлена новая команда \"0\""),
-                     QStringLiteral("2 Вы больше не являетесь членом команды \"Команда a\"")}));
+    void listenerMayUseTheSession()
+    {
+        connect(m_session, &Session::taskClosed, this, [this] {
+            m_session->setTaskID(QString());
+            m_session->removeTask(task("1"));
+            m_session->setTasks({task("7")}, QStringLiteral("c"));
+            m_session->save();
+        });
+        QSignalSpy overdue(m_session, &Session::overdueTimeChanged);
+        m_session->setTasks({task("1", "", 5)}, a);
+        // The task is not the chosen one any more when its deadline is compared.
+        QCOMPARE(overdue.size(), 0);
+        QCOMPARE(m_session->tasks(a).size(), 1);
+    }
 
-    // The tasks of a team that is gone stay known, so that they are not new in another team.
-    m_session->save();
-    m_session->reset();
-    m_session->load(QStringLiteral("anna"), QString());
-    m_session->setTasks(m_session->tasks(b) << task("3"), b);
-    QVERIFY(takeNotices().isEmpty());
-}
+    void teams()
+    {
+        const QString c = QStringLiteral("c");
+        m_session->setTeams({{c, c}, {b, c}, {QStringLiteral("0"), QStringLiteral("0")}});
+        QCOMPARE(
+            takeNotices(),
+            (QStringList{QStringLiteral("1 Добавлена новая команда \"c\""),
+                         QStringLiteral("1 Добавлена новая команда \"0\""),
+                         QStringLiteral("2 Вы больше не являетесь членом команды \"Команда a\"")}));
 
-void SessionTest::minutes()
-{
-    m_session->setTodayActivetime(QTime(23, 59));
-    m_session->setTodayWorktime(QTime(23, 58));
-    m_session->setWorktimeDate(QDate::currentDate());
-    for (int i = 0; i < 61; ++i)
-        m_session->tick();
-    m_session->addWorkMinute();
-    // An idle minute: the work time stays shown, and the active time falls back.
-    m_session->syncDisplayActivetime();
-    QCOMPARE(m_session->displayWorktime(), QTime(23, 59, 1));
-    QCOMPARE(m_session->displayActivetime(), QTime(23, 59));
-    m_session->addWorkMinute();
-    m_session->addActiveMinute();
+        // The tasks of a team that is gone stay known, so that they are not new in another team.
+        m_session->save();
+        m_session->reset();
+        m_session->load(QStringLiteral("anna"), QString());
+        m_session->setTasks(m_session->tasks(b) << task("3"), b);
+        QVERIFY(takeNotices().isEmpty());
+    }
 
-    // The minute of work is on disk at once, and the active one with the next save.
-    const auto stored = [this](const char* key) {
-        const QString file = m_owner->dataDir().filePath(QStringLiteral("anna/session.ini"));
-        return QSettings(file, QSettings::IniFormat).value(QLatin1String(key)).toString();
-    };
-    QCOMPARE(stored("todayWorktime"), QStringLiteral("00:00:00"));
-    QCOMPARE(stored("todayActivetime"), QStringLiteral("23:59:00"));
-    m_session->addActiveMinute();
-    m_session->addWorkMinute();
-    QCOMPARE(stored("todayActivetime"), QStringLiteral("00:01:00"));
-    // The day's total under the task.
-    QCOMPARE(m_session->todayActiveTime(taskId), QTime(0, 1));
-}
+    void minutes()
+    {
+        m_session->setTodayActivetime(QTime(23, 59));
+        m_session->setTodayWorktime(QTime(23, 58));
+        m_session->setWorktimeDate(QDate::currentDate());
+        for (int i = 0; i < 61; ++i)
+            m_session->tick();
+        m_session->addWorkMinute();
+        // An idle minute: the work time stays shown, and the active time falls back.
+        m_session->syncDisplayActivetime();
+        QCOMPARE(m_session->displayWorktime(), QTime(23, 59, 1));
+        QCOMPARE(m_session->displayActivetime(), QTime(23, 59));
+        m_session->addWorkMinute();
+        m_session->addActiveMinute();
 
-void SessionTest::onlyALaterDateEndsTheDay_data()
-{
-    QTest::addColumn<QDate>("date");
-    QTest::addColumn<bool>("ends");
-    QTest::newRow("null") << QDate() << true;
-    QTest::newRow("yesterday") << QDate::currentDate().addDays(-1) << true;
-    QTest::newRow("clock put back") << QDate::currentDate().addDays(1) << false;
-}
+        // The minute of work is on disk at once, and the active one with the next save.
+        const auto stored = [this](const char* key) {
+            const QString file = m_owner->dataDir().filePath(QStringLiteral("anna/session.ini"));
+            return QSettings(file, QSettings::IniFormat).value(QLatin1String(key)).toString();
+        };
+        QCOMPARE(stored("todayWorktime"), QStringLiteral("00:00:00"));
+        QCOMPARE(stored("todayActivetime"), QStringLiteral("23:59:00"));
+        m_session->addActiveMinute();
+        m_session->addWorkMinute();
+        QCOMPARE(stored("todayActivetime"), QStringLiteral("00:01:00"));
+        // The day's total under the task.
+        QCOMPARE(m_session->todayActiveTime(taskId), QTime(0, 1));
+    }
 
-void SessionTest::onlyALaterDateEndsTheDay()
-{
-    QFETCH(QDate, date);
-    QFETCH(bool, ends);
-    const QTime counted = ends ? QTime(0, 0) : QTime(3, 0);
-    m_session->setTodayActivetime(QTime(3, 0));
-    m_session->setTodayWorktime(QTime(3, 0));
-    m_session->setTaskActiveTime(taskId, QTime(3, 0));
-    m_session->setWorktimeDate(date);
-    m_session->tick();
-    QCOMPARE(m_session->displayWorktime(), ends ? counted : counted.addSecs(1));
-    QCOMPARE(m_session->todayActivetime(), counted);
-    QCOMPARE(m_session->todayActiveTime(taskId), counted);
-    m_session->syncDisplayWorktime();
-    QCOMPARE(m_session->displayWorktime(), counted);
-}
+    void onlyALaterDateEndsTheDay()
+    {
+        const QDate today = QDate::currentDate();
+        // The last one stands for a clock that was put back.
+        for (const QDate& date : {QDate(), today.addDays(-1), today.addDays(1)}) {
+            const bool ends = date != today.addDays(1);
+            const QTime counted = ends ? QTime(0, 0) : QTime(3, 0);
+            m_session->setTodayActivetime(QTime(3, 0));
+            m_session->setTodayWorktime(QTime(3, 0));
+            m_session->setTaskActiveTime(taskId, QTime(3, 0));
+            m_session->setWorktimeDate(date);
+            m_session->syncDisplayWorktime();
+            m_session->tick();
+            QCOMPARE(m_session->displayWorktime(), ends ? counted : counted.addSecs(1));
+            QCOMPARE(m_session->todayActivetime(), counted);
+            QCOMPARE(m_session->todayActiveTime(taskId), counted);
+        }
+    }
 
-void SessionTest::timesFromTheService()
-{
-    m_session->setTodayWorktime(QTime(2, 30));
-    // It is the minutes that are compared, and the shown work time that is pulled.
-    m_session->setTodayActivetime(QTime(1, 30));
-    QCOMPARE(m_session->displayWorktime(), QTime(2, 30));
-    m_session->setTodayActivetime(QTime(1, 31));
-    QCOMPARE(m_session->displayWorktime(), QTime(1, 31));
-}
+    void timesFromTheService()
+    {
+        m_session->setTodayWorktime(QTime(2, 30));
+        // It is the minutes that are compared, and the shown work time that is pulled.
+        m_session->setTodayActivetime(QTime(1, 30));
+        QCOMPARE(m_session->displayWorktime(), QTime(2, 30));
+        m_session->setTodayActivetime(QTime(1, 31));
+        QCOMPARE(m_session->displayWorktime(), QTime(1, 31));
+    }
+
+private:
+    std::unique_ptr<SessionOwner> m_owner;
+    Session* m_session = nullptr;
+};
 
 TESSAPORT_TEST_MAIN(SessionTest, QApplication)
 

@@ -6,23 +6,6 @@
 #include <QApplication>
 #include <QSettings>
 
-/// Loading and saving in a home of the test's own, beside files that another program wrote and
-/// beside what a plain writing of every key leaves.
-class SessionFilesTest : public QObject {
-    Q_OBJECT
-
-private slots:
-    void init();
-    void load_data();
-    void load();
-    void unchangedFilesAreNotWritten();
-    void savedLikeAPlainWriting();
-    void damagedFiles_data();
-    void damagedFiles();
-    void directoryIsPrivateAndNeverTheHome();
-    void oldDataIsRemoved();
-};
-
 namespace {
 
 const QString user = QStringLiteral("/anna@example.com/");
@@ -67,234 +50,243 @@ void writePlainly(const QString& path, const QVector<QPair<QString, QVariant>>& 
 
 } // namespace
 
-void SessionFilesTest::init()
-{
-    QDir(dataPath()).removeRecursively();
-    for (const QString& name : fileNames)
-        writeFile(dataPath(name), fixture(name));
-}
+/// Loading and saving in a home of the test's own, beside files that another program wrote and
+/// beside what a plain writing of every key leaves.
+class SessionFilesTest : public QObject {
+    Q_OBJECT
 
-void SessionFilesTest::load_data()
-{
-    QTest::addColumn<QString>("date");
-    QTest::addColumn<QByteArray>("workTime");
-    QTest::addColumn<QTime>("work");
-    QTest::addColumn<QTime>("active");
-    const QString today = QDate::currentDate().toString();
-    const QTime none(0, 0);
-    QTest::newRow("later day") << "Mon May 12 2025" << QByteArray("01:02:59") << none << none;
-    QTest::newRow("same day") << today << QByteArray("01:02:59") << QTime(1, 2) << QTime(0, 47);
-    QTest::newRow("damaged") << today << QByteArray("25:02:59") << none << QTime(0, 47);
-}
+private slots:
+    void init()
+    {
+        QDir(dataPath()).removeRecursively();
+        for (const QString& name : fileNames)
+            writeFile(dataPath(name), fixture(name));
+    }
 
-void SessionFilesTest::load()
-{
-    QFETCH(QString, date);
-    QFETCH(QByteArray, workTime);
-    QByteArray content = fixture(fileNames[0]);
-    content.replace("Mon May 12 2025", date.toLatin1()).replace("01:02:59", workTime);
-    writeFile(dataPath(fileNames[0]), content);
-    SessionOwner owner;
-    Session& session = *owner.session();
-    QTEST(session.displayActivetime(), "active");
-    session.syncDisplayWorktime();
-    QTEST(session.displayWorktime(), "work");
-    QTEST(session.todayActiveTime(QStringLiteral("101")), "active");
+    void load_data()
+    {
+        QTest::addColumn<QString>("date");
+        QTest::addColumn<QByteArray>("workTime");
+        QTest::addColumn<QTime>("work");
+        QTest::addColumn<QTime>("active");
+        const QString today = QDate::currentDate().toString();
+        const QTime none(0, 0);
+        const QTime active(0, 47);
+        QTest::newRow("later day") << "Mon May 12 2025" << QByteArray("01:02:59") << none << none;
+        QTest::newRow("same day") << today << QByteArray("01:02:59") << QTime(1, 2) << active;
+        QTest::newRow("damaged") << today << QByteArray("25:02:59") << none << active;
+    }
 
-    QCOMPARE(session.password(), QStringLiteral("@Пароль, \"x\"; = \\n%"));
-    QVERIFY(session.logged() && session.active() && !session.isOnline());
-    QCOMPARE(session.team(QStringLiteral("205")).name, QStringLiteral("@Дизайн \"А\""));
-    QCOMPARE(session.taskDeadline(), QDateTime(QDate(2025, 5, 12), QTime(12, 0)));
-    // A date read as missing equals one that never was, or each start would tell of new deadlines.
-    QVERIFY(session.tasks(QStringLiteral("17")).at(1).deadline == QDateTime());
-    QCOMPARE(session.taskInfo(QStringLiteral("101")).texts.at(0).keywords.at(0).count2,
-             QStringLiteral("много"));
+    void load()
+    {
+        QFETCH(QString, date);
+        QFETCH(QByteArray, workTime);
+        QByteArray content = fixture(fileNames[0]);
+        content.replace("Mon May 12 2025", date.toLatin1()).replace("01:02:59", workTime);
+        writeFile(dataPath(fileNames[0]), content);
+        SessionOwner owner;
+        Session& session = *owner.session();
+        QTEST(session.displayActivetime(), "active");
+        session.syncDisplayWorktime();
+        QTEST(session.displayWorktime(), "work");
+        QTEST(session.todayActiveTime(QStringLiteral("101")), "active");
 
-    // The records are written as the other program wrote them.
-    QVERIFY(owner.removeDirectory(dataPath()));
-    session.save();
-    for (int file = 1; file < 5; ++file)
-        QCOMPARE(contentOf(dataPath(fileNames[file])), fixture(fileNames[file]));
-    QVERIFY(QDir(dataPath(user + QStringLiteral("activity"))).exists());
-}
+        QCOMPARE(session.password(), QStringLiteral("@Пароль, \"x\"; = \\n%"));
+        QVERIFY(session.logged() && session.active() && !session.isOnline());
+        QCOMPARE(session.team(QStringLiteral("205")).name, QStringLiteral("@Дизайн \"А\""));
+        QCOMPARE(session.taskDeadline(), QDateTime(QDate(2025, 5, 12), QTime(12, 0)));
+        // A date read as missing equals one that never was, or each start would tell of new
+        // deadlines.
+        QVERIFY(session.tasks(QStringLiteral("17")).at(1).deadline == QDateTime());
+        QCOMPARE(session.taskInfo(QStringLiteral("101")).texts.at(0).keywords.at(0).count2,
+                 QStringLiteral("много"));
 
-void SessionFilesTest::unchangedFilesAreNotWritten()
-{
-    SessionOwner owner;
-    Session& session = *owner.session();
-    const auto written = [] {
-        QString names;
-        const QDateTime now = QDateTime::currentDateTime();
-        for (const QString& name : fileNames) {
-            QFile file(dataPath(name));
-            if (QFileInfo(file).lastModified() > now.addSecs(-60 * 60))
-                names += QFileInfo(file).baseName();
-            file.open(QIODevice::ReadWrite);
-            file.setFileTime(now.addDays(-1), QFileDevice::FileModificationTime);
-        }
-        return names;
-    };
-    session.save();
-    written();
-    session.addWorkMinute();
-    QCOMPARE(written(), QStringLiteral("session"));
-    const QString id = QStringLiteral("17");
-    for (const char* files : {"taskInfo", ""}) {
-        session.setTasks(session.tasks(id), id);
-        session.setTeams(session.teams());
-        session.setTaskInfo(id, session.taskInfo(id));
+        // The records are written as the other program wrote them.
+        QVERIFY(owner.removeDirectory(dataPath()));
         session.save();
-        QCOMPARE(written(), QLatin1String(files));
+        for (int file = 1; file < 5; ++file)
+            QCOMPARE(contentOf(dataPath(fileNames[file])), fixture(fileNames[file]));
+        QVERIFY(QDir(dataPath(user + QStringLiteral("activity"))).exists());
     }
 
-    // What others changed comes back.
-    writeFile(dataPath(fileNames[2]), "[General]\n17=other\n205=@Invalid()\n");
-    session.save();
-    QCOMPARE(contentOf(dataPath(fileNames[2])), fixture(fileNames[2]));
-}
-
-void SessionFilesTest::savedLikeAPlainWriting()
-{
-    QTemporaryDir plain;
-    const auto path = [&plain](int file) { return plain.path() + fileNames[file]; };
-    QDir(dataPath()).removeRecursively();
-    SessionOwner owner;
-    Session& session = *owner.session();
-    session.load(QStringLiteral("anna@example.com"), QStringLiteral("п%@,\n"));
-    session.setTaskID(QStringLiteral("3"));
-    session.setWorktimeDate(QDate(2025, 5, 12));
-    session.setTaskActiveTime(QString(), QTime(3, 0));
-    const QString first = QStringLiteral("20/x");
-    const QString second = QStringLiteral("General");
-    session.setTeams({{first, QStringLiteral("Б")}, {second, QStringLiteral("А")}});
-    Task task = unassignedTask();
-    session.setTasks({task, Task()}, first);
-    TaskInfo info;
-    info.texts.append(TextTask{{}, {}, {}, {}, QUrl(QStringLiteral("http://я")), {}, {{}, {}}});
-    session.setTaskInfo(QStringLiteral("3"), info);
-    session.taskInfo(QStringLiteral("x=y"));
-    // The last team's list brings the first save.
-    session.setTasks({}, second);
-
-    writePlainly(path(0),
-                 {{QStringLiteral("password"), QStringLiteral("п%@,\n")},
-                  {QStringLiteral("logged"), false},
-                  {QStringLiteral("active"), false},
-                  {QStringLiteral("teamID"), QString()},
-                  {QStringLiteral("taskID"), QStringLiteral("3")},
-                  {QStringLiteral("isOnline"), true},
-                  {QStringLiteral("worktimeDate"), QStringLiteral("Mon May 12 2025")},
-                  {QStringLiteral("todayWorktime"), QStringLiteral("00:00:00")},
-                  {QStringLiteral("todayActivetime"), QStringLiteral("00:00:00")},
-                  {QStringLiteral("task2activeTimeMap"), QVariantMap{{QString(), QTime(3, 0)}}}});
-    writePlainly(path(1), {{first, QStringLiteral("Б")}, {second, QStringLiteral("А")}});
-    writePlainly(path(2),
-                 {{first, QVariant::fromValue(QList<Task>{task, Task()})},
-                  {second, QVariant::fromValue(QList<Task>())}});
-    writePlainly(path(3),
-                 {{QStringLiteral("3"), QVariant::fromValue(info)},
-                  {QStringLiteral("x=y"), QVariant::fromValue(TaskInfo())}});
-    writePlainly(path(4), {{QStringLiteral("lastLogin"), QStringLiteral("anna@example.com")}});
-    for (int file = 0; file < 5; ++file)
-        QCOMPARE(contentOf(dataPath(fileNames[file])), contentOf(path(file)));
-
-    task.importance = 7;
-    session.setTasks({task}, first);
-    // What is left of the file keeps the comparison of teams going; a slash names no key.
-    session.setTeams({{QStringLiteral("/"), first}});
-    NotificationManager::instance()->closeAll();
-    session.setTodayWorktime(QTime(4, 0));
-    session.save();
-    writePlainly(path(0), {{QStringLiteral("todayWorktime"), QStringLiteral("04:00:00")}});
-    QSettings(path(1), QSettings::IniFormat).clear();
-    writePlainly(path(2), {{first, QVariant::fromValue(QList<Task>{task})}});
-    for (int file = 0; file < 5; ++file)
-        QCOMPARE(contentOf(dataPath(fileNames[file])), contentOf(path(file)));
-}
-
-void SessionFilesTest::damagedFiles_data()
-{
-    QTest::addColumn<bool>("aside");
-    QTest::addColumn<QByteArray>("content");
-    QTest::newRow("zeros") << false << QByteArray(4096, '\0');
-    QTest::newRow("no ini") << false << QByteArray("<html>=\n[[[\n=\n\"\\x");
-    QTest::newRow("cut list")
-        << false << QByteArray(R"(17=@Variant(\0\0\0\x7f\0\0\0\fQList<Task>\0\0\0\0\x1\0\0))");
-    QTest::newRow("huge list")
-        << false << QByteArray(R"(17=@Variant(\0\0\0\x7f\0\0\0\fQList<Task>\0\x7f\xff\xff\xff))");
-    QTest::newRow("huge list of Qt's")
-        << true << QByteArray(R"(17=@Variant(\0\0\0\v\x7f\xff\xff\xff))");
-    QTest::newRow("type that passes for any other")
-        << true << QByteArray(R"(17=@Variant(\0\0\0\x34\0\x66))");
-    QTest::newRow("huge list in a map")
-        << true << QByteArray(R"(x=@Variant(\0\0\0\b\0\0\0\x1\0\0\0\0\0\0\0\v\x7f\xff\xff\xff))");
-}
-
-void SessionFilesTest::damagedFiles()
-{
-    QFETCH(QByteArray, content);
-    QFETCH(bool, aside);
-    for (int file = 0; file < 4; ++file) {
-        writeFile(dataPath(fileNames[file]), content);
-        if (aside)
-            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("put aside")));
-    }
-    SessionOwner owner;
-    Session& session = *owner.session();
-    QVERIFY(session.tasks(QStringLiteral("17")).isEmpty());
-    QCOMPARE(contentOf(dataPath(user + QStringLiteral("tasks.ini.damaged"))),
-             aside ? content : QByteArray("no file"));
-
-    session.setTaskID(QStringLiteral("4"));
-    session.save();
-    session.reset();
-    session.load(QStringLiteral("anna@example.com"), QString());
-    QCOMPARE(session.taskID(), QStringLiteral("4"));
-}
-
-void SessionFilesTest::directoryIsPrivateAndNeverTheHome()
-{
-    QVERIFY(QDir(dataPath()).removeRecursively());
-    const QString homeFile = QDir::homePath() + QStringLiteral("/json-of-mine");
-    writeFile(homeFile, "x");
-    writeFile(dataPath(), "in the way");
+    void unchangedFilesAreNotWritten()
     {
         SessionOwner owner;
-        owner.session()->load(QStringLiteral("anna"), QStringLiteral("p"));
-        owner.session()->save();
-        QVERIFY(owner.removeDirectory(owner.dataDir().absolutePath()));
+        Session& session = *owner.session();
+        const auto written = [] {
+            QString names;
+            const QDateTime now = QDateTime::currentDateTime();
+            for (const QString& name : fileNames) {
+                QFile file(dataPath(name));
+                if (QFileInfo(file).lastModified() > now.addSecs(-60 * 60))
+                    names += QFileInfo(file).baseName();
+                file.open(QIODevice::ReadWrite);
+                file.setFileTime(now.addDays(-1), QFileDevice::FileModificationTime);
+            }
+            return names;
+        };
+        session.save();
+        written();
+        session.addWorkMinute();
+        QCOMPARE(written(), QStringLiteral("session"));
+        const QString id = QStringLiteral("17");
+        for (const char* files : {"taskInfo", ""}) {
+            session.setTasks(session.tasks(id), id);
+            session.setTeams(session.teams());
+            session.setTaskInfo(id, session.taskInfo(id));
+            session.save();
+            QCOMPARE(written(), QLatin1String(files));
+        }
+
+        // What others changed comes back.
+        writeFile(dataPath(fileNames[2]), "[General]\n17=other\n205=@Invalid()\n");
+        session.save();
+        QCOMPARE(contentOf(dataPath(fileNames[2])), fixture(fileNames[2]));
     }
-    QCOMPARE(contentOf(homeFile), QByteArray("x"));
-    QVERIFY(QFile::remove(homeFile) && QFile::remove(dataPath()));
+
+    void savedLikeAPlainWriting()
+    {
+        QTemporaryDir plain;
+        const auto path = [&plain](int file) { return plain.path() + fileNames[file]; };
+        QDir(dataPath()).removeRecursively();
+        SessionOwner owner;
+        Session& session = *owner.session();
+        session.load(QStringLiteral("anna@example.com"), QStringLiteral("п%@,\n"));
+        session.setTaskID(QStringLiteral("3"));
+        session.setWorktimeDate(QDate(2025, 5, 12));
+        session.setTaskActiveTime(QString(), QTime(3, 0));
+        const QString first = QStringLiteral("20/x");
+        const QString second = QStringLiteral("General");
+        session.setTeams({{first, QStringLiteral("Б")}, {second, QStringLiteral("А")}});
+        Task task = unassignedTask();
+        session.setTasks({task, Task()}, first);
+        TaskInfo info;
+        info.texts.append(TextTask{{}, {}, {}, {}, QUrl(QStringLiteral("http://я")), {}, {{}, {}}});
+        session.setTaskInfo(QStringLiteral("3"), info);
+        session.taskInfo(QStringLiteral("x=y"));
+        // The last team's list brings the first save.
+        session.setTasks({}, second);
+
+        writePlainly(
+            path(0),
+            {{QStringLiteral("password"), QStringLiteral("п%@,\n")},
+             {QStringLiteral("logged"), false},
+             {QStringLiteral("active"), false},
+             {QStringLiteral("teamID"), QString()},
+             {QStringLiteral("taskID"), QStringLiteral("3")},
+             {QStringLiteral("isOnline"), true},
+             {QStringLiteral("worktimeDate"), QStringLiteral("Mon May 12 2025")},
+             {QStringLiteral("todayWorktime"), QStringLiteral("00:00:00")},
+             {QStringLiteral("todayActivetime"), QStringLiteral("00:00:00")},
+             {QStringLiteral("task2activeTimeMap"), QVariantMap{{QString(), QTime(3, 0)}}}});
+        writePlainly(path(1), {{first, QStringLiteral("Б")}, {second, QStringLiteral("А")}});
+        writePlainly(path(2),
+                     {{first, QVariant::fromValue(QList<Task>{task, Task()})},
+                      {second, QVariant::fromValue(QList<Task>())}});
+        writePlainly(path(3),
+                     {{QStringLiteral("3"), QVariant::fromValue(info)},
+                      {QStringLiteral("x=y"), QVariant::fromValue(TaskInfo())}});
+        writePlainly(path(4), {{QStringLiteral("lastLogin"), QStringLiteral("anna@example.com")}});
+        for (int file = 0; file < 5; ++file)
+            QCOMPARE(contentOf(dataPath(fileNames[file])), contentOf(path(file)));
+
+        task.importance = 7;
+        session.setTasks({task}, first);
+        session.setTeams({});
+        NotificationManager::instance()->closeAll();
+        session.save();
+        writePlainly(path(2), {{first, QVariant::fromValue(QList<Task>{task})}});
+        QSettings(path(1), QSettings::IniFormat).clear();
+        for (int file = 0; file < 5; ++file)
+            QCOMPARE(contentOf(dataPath(fileNames[file])), contentOf(path(file)));
+    }
+
+    void damagedFiles_data()
+    {
+        QTest::addColumn<bool>("aside");
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("zeros") << false << QByteArray(4096, '\0');
+        QTest::newRow("no ini") << false << QByteArray("<html>=\n[[[\n=\n\"\\x");
+        QTest::newRow("cut list")
+            << false << QByteArray(R"(17=@Variant(\0\0\0\x7f\0\0\0\fQList<Task>\0\0\0\0\x1\0\0))");
+        QTest::newRow("huge list")
+            << false
+            << QByteArray(R"(17=@Variant(\0\0\0\x7f\0\0\0\fQList<Task>\0\x7f\xff\xff\xff))");
+        QTest::newRow("huge list of Qt's")
+            << true << QByteArray(R"(17=@Variant(\0\0\0\v\x7f\xff\xff\xff))");
+        QTest::newRow("type that passes for any other")
+            << true << QByteArray(R"(17=@Variant(\0\0\0\x34\0\x66))");
+        QTest::newRow("huge list in a map")
+            << true
+            << QByteArray(R"(x=@Variant(\0\0\0\b\0\0\0\x1\0\0\0\0\0\0\0\v\x7f\xff\xff\xff))");
+    }
+
+    void damagedFiles()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(bool, aside);
+        for (int file = 0; file < 4; ++file) {
+            writeFile(dataPath(fileNames[file]), content);
+            if (aside)
+                QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("put aside")));
+        }
+        SessionOwner owner;
+        Session& session = *owner.session();
+        QVERIFY(session.tasks(QStringLiteral("17")).isEmpty());
+        QCOMPARE(contentOf(dataPath(user + QStringLiteral("tasks.ini.damaged"))),
+                 aside ? content : QByteArray("no file"));
+
+        session.setTaskID(QStringLiteral("4"));
+        session.save();
+        session.reset();
+        session.load(QStringLiteral("anna@example.com"), QString());
+        QCOMPARE(session.taskID(), QStringLiteral("4"));
+    }
+
+    void directoryIsPrivateAndNeverTheHome()
+    {
+        QVERIFY(QDir(dataPath()).removeRecursively());
+        const QString homeFile = QDir::homePath() + QStringLiteral("/json-of-mine");
+        writeFile(homeFile, "x");
+        writeFile(dataPath(), "in the way");
+        {
+            SessionOwner owner;
+            owner.session()->load(QStringLiteral("anna"), QStringLiteral("p"));
+            owner.session()->save();
+            QVERIFY(owner.removeDirectory(owner.dataDir().absolutePath()));
+        }
+        QCOMPARE(contentOf(homeFile), QByteArray("x"));
+        QVERIFY(QFile::remove(homeFile) && QFile::remove(dataPath()));
 
 #ifdef Q_OS_UNIX
-    SessionOwner owner;
-    QVERIFY(!(QFile::permissions(dataPath()) & (QFile::ReadGroup | QFile::ReadOther)));
+        SessionOwner owner;
+        QVERIFY(!(QFile::permissions(dataPath()) & (QFile::ReadGroup | QFile::ReadOther)));
 #endif
-}
+    }
 
-void SessionFilesTest::oldDataIsRemoved()
-{
-    const QStringList old = {
-        QStringLiteral("/json12.old"),       QStringLiteral("/.tessaport.db"),
-        QStringLiteral("/comments.data"),    QStringLiteral("/session.json"),
-        user + QStringLiteral("tasks.json"), user + QStringLiteral("team_17/a/.hidden")};
-    const QStringList kept = {QStringLiteral("/ajson"), QStringLiteral("/jsondir/x"),
-                              QStringLiteral("/linked/x"), user + QStringLiteral("team_1/x"),
-                              user + QStringLiteral("activity/json1")};
-    for (const QString& name : old + kept)
-        writeFile(dataPath(name), "x");
+    void oldDataIsRemoved()
+    {
+        const QStringList old = {
+            QStringLiteral("/json12.old"),       QStringLiteral("/.tessaport.db"),
+            QStringLiteral("/comments.data"),    QStringLiteral("/session.json"),
+            user + QStringLiteral("tasks.json"), user + QStringLiteral("team_17/a/.hidden")};
+        const QStringList kept = {QStringLiteral("/ajson"), QStringLiteral("/jsondir/x"),
+                                  QStringLiteral("/linked/x"), user + QStringLiteral("team_1/x"),
+                                  user + QStringLiteral("activity/json1")};
+        for (const QString& name : old + kept)
+            writeFile(dataPath(name), "x");
 #ifdef Q_OS_UNIX
-    QVERIFY(QFile::link(dataPath(QStringLiteral("/linked")),
-                        dataPath(user + QStringLiteral("team_17/a/link"))));
+        QVERIFY(QFile::link(dataPath(QStringLiteral("/linked")),
+                            dataPath(user + QStringLiteral("team_17/a/link"))));
 #endif
-    SessionOwner owner;
-    for (const QString& name : old)
-        QVERIFY2(!QFile::exists(dataPath(name)), qPrintable(name));
-    QVERIFY(!QDir(dataPath(user + QStringLiteral("team_17"))).exists());
-    for (const QString& name : kept)
-        QVERIFY2(QFile::exists(dataPath(name)), qPrintable(name));
-}
+        SessionOwner owner;
+        for (const QString& name : old)
+            QVERIFY2(!QFile::exists(dataPath(name)), qPrintable(name));
+        QVERIFY(!QDir(dataPath(user + QStringLiteral("team_17"))).exists());
+        for (const QString& name : kept)
+            QVERIFY2(QFile::exists(dataPath(name)), qPrintable(name));
+    }
+};
 
 TESSAPORT_TEST_MAIN(SessionFilesTest, QApplication)
 
