@@ -9,33 +9,30 @@
 #include <QSignalSpy>
 #include <QtTest>
 
-/// A running stand-in and a client of it with a fresh data directory, the demo user signed in.
-/// Check isReady() first.
+#include <optional>
+
+/// What a test has of a running stand-in and a client of it.
 class ServiceTest {
-public:
-    ServiceTest()
+protected:
+    /// Both anew, with a fresh data directory, the demo user signed in; false if that fails.
+    bool start()
     {
         NotificationManager::instance()->closeAll();
+        m_client.reset();
         QDir(QDir::homePath() + QStringLiteral("/.tessaport")).removeRecursively();
-        setTestServiceUrl(m_standIn.url());
-        m_client = std::make_unique<TessaPort>();
-        QSignalSpy loginOk(m_client.get(), &TessaPort::loginOk);
+        m_standIn.emplace();
+        setTestServiceUrl(m_standIn->url());
+        m_client.emplace();
+        QSignalSpy loginOk(&*m_client, &TessaPort::loginOk);
         m_client->login(QStringLiteral("demo@example.com"), QStringLiteral("demo"));
-        m_isReady = m_standIn.isRunning() && loginOk.wait();
+        return m_standIn->isRunning() && loginOk.wait();
     }
 
-    bool isReady() const { return m_isReady; }
-    StandIn& standIn() { return m_standIn; }
+    StandIn& standIn() { return *m_standIn; }
     TessaPort& client() { return *m_client; }
     Session& session() { return *m_client->session(); }
 
-    QDir activityDir() const
-    {
-        return QDir(m_client->dataDir().filePath(QStringLiteral("demo@example.com/activity")));
-    }
-
 private:
-    StandIn m_standIn;
-    std::unique_ptr<TessaPort> m_client;
-    bool m_isReady = false;
+    std::optional<StandIn> m_standIn;
+    std::optional<TessaPort> m_client;
 };

@@ -6,41 +6,19 @@
 #include <QApplication>
 #include <QImage>
 
-class tst_Reports : public QObject {
-    Q_OBJECT
-
-private slots:
-    void init();
-    void cleanup() { m_test.reset(); }
-    void forms();
-    void notConfirmed_data();
-    void notConfirmed();
-    void backlog();
-    void twoInFlight();
-    void pictureGone();
-    void unwritableDirectory();
-
-private:
-    TessaPort& client() const { return m_test->client(); }
-    StandIn& standIn() const { return m_test->standIn(); }
-    QDir directory() const { return m_test->activityDir(); }
-    QStringList waiting() const { return directory().entryList({QStringLiteral("json*")}); }
-    void write(const QString& name, const QByteArray& content) const;
-
-    std::unique_ptr<ServiceTest> m_test;
-};
-
 namespace {
 
 const QString activityPath = QStringLiteral("/api_active2");
 const QString screenshotPath = QStringLiteral("/api_screenshot");
+const QImage picture(64, 48, QImage::Format_RGB32);
 
-QByteArray waitingReport(const QByteArray& taskId)
+QByteArray waitingReport(const char* taskId)
 {
-    return R"({"api-url":")" + ServiceAddress::url(activityPath).toUtf8()
-        + R"(","timestamp":"01-01-2020-00-00-00","version":"0.1","body":{"active":"3",)"
-          R"("email":"demo@example.com","past":"0","task_id":")"
-        + taskId + R"(","team_id":"1","version":"1.1.0"}})";
+    const QString report = QStringLiteral(
+        R"({"api-url":"%1","timestamp":"01-01-2020-00-00-00","version":"0.1","body":{)"
+        R"("active":"3","email":"demo@example.com","past":"0","task_id":"%2","team_id":"1",)"
+        R"("version":"1.1.0"}})");
+    return report.arg(ServiceAddress::url(activityPath), QLatin1String(taskId)).toUtf8();
 }
 
 bool matches(const QByteArray& content, const QString& pattern)
@@ -51,139 +29,146 @@ bool matches(const QByteArray& content, const QString& pattern)
 
 } // namespace
 
-void tst_Reports::init()
-{
-    m_test = std::make_unique<ServiceTest>();
-    QVERIFY(m_test->isReady());
-}
+class ReportsTest : public QObject, private ServiceTest {
+    Q_OBJECT
 
-void tst_Reports::write(const QString& name, const QByteArray& content) const
-{
-    QFile file(directory().filePath(name));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(content);
-}
+private slots:
+    void init() { QVERIFY(start()); }
 
-void tst_Reports::forms()
-{
-    m_test->session().setTeamID(QStringLiteral("17"));
-    m_test->session().setTaskID(QStringLiteral("я&5"));
-    client().sendActivity(7);
-    QFile file(directory().filePath(waiting().value(0)));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QByteArray content = file.readAll();
-    const QString form = QStringLiteral(
-        R"(\{"api-url":"%1/api_active2","body":\{"active":"7","email":"demo@example.com",)"
-        R"("past":"0","task_id":"я&5","team_id":"17","version":"1.1.0"\},)"
-        R"("timestamp":"\d\d-\d\d-\d{4}-\d\d-\d\d-\d\d","version":"0.1"\})");
-    QVERIFY2(matches(content, form.arg(ServiceAddress::baseUrl())), content.constData());
+    void forms()
+    {
+        session().setTeamID(QStringLiteral("17"));
+        session().setTaskID(QStringLiteral("я&5"));
+        client().sendActivity(7);
+        QFile file(directory().filePath(waiting().value(0)));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray content = file.readAll();
+        const QString form = QStringLiteral(
+            R"(\{"api-url":"%1/api_active2","body":\{"active":"7","email":"demo@example.com",)"
+            R"("past":"0","task_id":"я&5","team_id":"17","version":"1.1.0"\},)"
+            R"("timestamp":"\d\d-\d\d-\d{4}-\d\d-\d\d-\d\d","version":"0.1"\})");
+        QVERIFY2(matches(content, form.arg(ServiceAddress::baseUrl())), content.constData());
 
-    client().sendScreenshot(QImage(64, 48, QImage::Format_RGB32));
-    QTRY_VERIFY(directory().isEmpty());
-    const SeenRequest request = standIn().requests(activityPath).value(0);
-    QCOMPARE(request.method, QStringLiteral("POST"));
-    const QByteArray activity = QByteArray::fromPercentEncoding(request.body);
-    const QString activityForm = QStringLiteral(
-        R"(data=\[\{"active":"7","email":"demo@example.com","past":"[01]","task_id":"я&5",)"
-        R"("team_id":"17","version":"1.1.0"\}\])");
-    QVERIFY2(matches(activity, activityForm), activity.constData());
-    const QByteArray screenshot =
-        QByteArray::fromPercentEncoding(standIn().requests(screenshotPath).value(0).body);
-    const QString screenshotForm = QStringLiteral(
-        R"x(data=\[\{"email":"[^"]*","file":"/9j/[^"]*","fileName":"[^"]*/screenshot[^"]*.jpg",)x"
-        R"("past":"\d","task_id":"я&5","team_id":"17","version":"1.1.0"\}\])");
-    QVERIFY2(matches(screenshot, screenshotForm), screenshot.constData());
-}
+        client().sendScreenshot(picture);
+        QTRY_VERIFY(directory().isEmpty());
+        const SeenRequest request = standIn().requests(activityPath).value(0);
+        QCOMPARE(request.method, QStringLiteral("POST"));
+        const QByteArray activity = QByteArray::fromPercentEncoding(request.body);
+        const QString activityForm = QStringLiteral(
+            R"(data=\[\{"active":"7","email":"demo@example.com","past":"[01]","task_id":"я&5",)"
+            R"("team_id":"17","version":"1.1.0"\}\])");
+        QVERIFY2(matches(activity, activityForm), activity.constData());
+        const QByteArray screenshot =
+            QByteArray::fromPercentEncoding(standIn().requests(screenshotPath).value(0).body);
+        const QString screenshotForm = QStringLiteral(
+            R"(data=\[\{"email":"[^\x22]*","file":"/9j/[^\x22]*",)"
+            R"("fileName":"[^\x22]*/screenshot[^\x22]*.jpg","past":"\d","task_id":"я&5",)"
+            R"("team_id":"17","version":"1.1.0"\}\])");
+        QVERIFY2(matches(screenshot, screenshotForm), screenshot.constData());
+    }
 
-void tst_Reports::notConfirmed_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("mode");
-    QTest::addColumn<QByteArray>("body");
-    for (const char* mode : {"refuse", "garbage", "html", "drop-before", "drop-after", "status500"})
-        QTest::newRow(mode) << activityPath << mode << QByteArray();
-    for (const char* body : {"ok", R"({"status":"no"})"})
-        QTest::newRow(body) << activityPath << "answer" << QByteArray(body);
-    for (const char* body : {"ok ", R"({"status":"ok"})"})
-        QTest::newRow(body) << screenshotPath << "answer" << QByteArray(body);
-}
+    // Whatever goes wrong, the record stays; and it goes out after the next one that is confirmed.
+    void notConfirmed_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("mode");
+        for (const char* mode :
+             {"refuse", "garbage", "html", "drop-before", "drop-after", "status500"})
+            QTest::newRow(mode) << activityPath << mode;
+        for (const char* body : {"ok", R"({"status":"no"})"})
+            QTest::newRow(body) << activityPath << "answer";
+        for (const char* body : {"ok ", R"({"status":"ok"})"})
+            QTest::newRow(body) << screenshotPath << "answer";
+    }
 
-// Whatever goes wrong, the record stays; and it goes out after the next one that is confirmed.
-void tst_Reports::notConfirmed()
-{
-    QFETCH(QString, path);
-    QFETCH(QString, mode);
-    QFETCH(QByteArray, body);
-    standIn().fail(path, mode, -1, 0, body);
-    QSignalSpy onlineChanged(&client(), &TessaPort::onlineChanged);
-    if (path == screenshotPath)
-        client().sendScreenshot(QImage(64, 48, QImage::Format_RGB32));
-    else
+    void notConfirmed()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, mode);
+        standIn().fail(path, mode, -1, 0, QTest::currentDataTag());
+        QSignalSpy onlineChanged(&client(), &TessaPort::onlineChanged);
+        if (path == screenshotPath)
+            client().sendScreenshot(picture);
+        else
+            client().sendActivity(1);
+        QTRY_VERIFY(!standIn().requests(path).isEmpty());
+        const bool isAway =
+            mode.startsWith(QLatin1String("drop")) || mode == QLatin1String("status500");
+        QTRY_COMPARE(!onlineChanged.isEmpty(), isAway);
+        QTest::qWait(50);
+        QCOMPARE(waiting().size(), 1);
+
+        standIn().succeed(path);
+        client().sendActivity(2);
+        QTRY_VERIFY(directory().isEmpty());
+        QCOMPARE(standIn().confirmedRecords().size(), 2);
+    }
+
+    void backlog()
+    {
+        // Far more than fit a call stack if each were removed inside the removal of the one before.
+        for (int i = 0; i < 500; ++i)
+            write(QStringLiteral("json0%1").arg(i), R"({"api-url")");
+        for (const char* day : {"28", "03", "15"})
+            write(QStringLiteral("json%1-01-2020").arg(QLatin1String(day)), waitingReport(day));
         client().sendActivity(1);
-    QTRY_VERIFY(!standIn().requests(path).isEmpty());
-    const bool isAway =
-        mode.startsWith(QLatin1String("drop")) || mode == QLatin1String("status500");
-    QTRY_COMPARE(!onlineChanged.isEmpty(), isAway);
-    QTest::qWait(50);
-    QCOMPARE(waiting().size(), 1);
+        QTRY_VERIFY_WITH_TIMEOUT(directory().isEmpty(), 30000);
+        QString order;
+        for (const QJsonValue& value : standIn().confirmedRecords())
+            order += value[QLatin1String("record")][QLatin1String("task_id")].toString();
+        QCOMPARE(order, QStringLiteral("031528"));
+    }
 
-    standIn().succeed(path);
-    client().sendActivity(2);
-    QTRY_VERIFY(directory().isEmpty());
-    QCOMPARE(standIn().confirmedRecords().size(), 2);
-}
+    void twoInFlight()
+    {
+        write(QStringLiteral("json01.x"), waitingReport("waiting"));
+        standIn().fail(screenshotPath, QStringLiteral("hang"));
+        client().sendScreenshot(picture);
+        client().sendActivity(1);
+        // The minute is confirmed, but the chain has to wait for the picture.
+        QTRY_COMPARE(waiting().size(), 2);
+        QTest::qWait(200);
+        QCOMPARE(standIn().requests(activityPath).size(), 1);
+        standIn().succeed(screenshotPath);
+        QTRY_VERIFY(directory().isEmpty());
+    }
 
-void tst_Reports::backlog()
-{
-    // Far more than fit a call stack if each were removed inside the removal of the one before.
-    for (int i = 0; i < 500; ++i)
-        write(QStringLiteral("json0%1").arg(i), R"({"api-url":"https://localhost)");
-    for (const char* day : {"28", "03", "15"})
-        write(QStringLiteral("json%1-01-2020").arg(QLatin1String(day)), waitingReport(day));
-    client().sendActivity(1);
-    QTRY_VERIFY_WITH_TIMEOUT(directory().isEmpty(), 30000);
-    QString order;
-    for (const QJsonValue& value : standIn().confirmedRecords())
-        order += value[QLatin1String("record")][QLatin1String("task_id")].toString();
-    QCOMPARE(order, QStringLiteral("031528"));
-}
+    void pictureGone()
+    {
+        standIn().fail(screenshotPath, QStringLiteral("refuse"), 1);
+        client().sendScreenshot(picture);
+        QTRY_COMPARE(standIn().requests(screenshotPath).size(), 1);
+        QVERIFY(directory().remove(directory().entryList({QStringLiteral("*.jpg")}).value(0)));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("can't be opened")));
+        client().sendActivity(1);
+        QTRY_COMPARE(standIn().requests(screenshotPath).size(), 2);
+        QVERIFY(!standIn().requests(screenshotPath)[1].record().contains(QStringLiteral("file")));
+    }
 
-void tst_Reports::twoInFlight()
-{
-    write(QStringLiteral("json01.x"), waitingReport("waiting"));
-    standIn().fail(screenshotPath, QStringLiteral("hang"));
-    client().sendScreenshot(QImage(64, 48, QImage::Format_RGB32));
-    client().sendActivity(1);
-    // The minute is confirmed, but the chain has to wait for the picture.
-    QTRY_COMPARE(waiting().size(), 2);
-    QTest::qWait(200);
-    QCOMPARE(standIn().requests(activityPath).size(), 1);
-    standIn().succeed(screenshotPath);
-    QTRY_VERIFY(directory().isEmpty());
-}
+    void unwritableDirectory()
+    {
+        // A file in the place of the directory can't be written into by anybody.
+        QVERIFY(directory().removeRecursively());
+        QVERIFY(QFile(directory().path()).open(QIODevice::WriteOnly));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("can't be written")));
+        client().sendActivity(5);
+        QTRY_COMPARE(standIn().confirmedRecords().size(), 1);
+    }
 
-void tst_Reports::pictureGone()
-{
-    standIn().fail(screenshotPath, QStringLiteral("refuse"), 1);
-    client().sendScreenshot(QImage(64, 48, QImage::Format_RGB32));
-    QTRY_COMPARE(standIn().requests(screenshotPath).size(), 1);
-    QVERIFY(directory().remove(directory().entryList({QStringLiteral("*.jpg")}).value(0)));
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("can't be opened")));
-    client().sendActivity(1);
-    QTRY_COMPARE(standIn().requests(screenshotPath).size(), 2);
-    QVERIFY(!standIn().requests(screenshotPath)[1].record().contains(QStringLiteral("file")));
-}
+private:
+    QDir directory()
+    {
+        return QDir(client().dataDir().filePath(QStringLiteral("demo@example.com/activity")));
+    }
+    QStringList waiting() { return directory().entryList({QStringLiteral("json*")}); }
+    void write(const QString& name, const QByteArray& content)
+    {
+        QFile file(directory().filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+};
 
-void tst_Reports::unwritableDirectory()
-{
-    // A file in the place of the directory can't be written into by anybody.
-    QVERIFY(directory().removeRecursively());
-    QVERIFY(QFile(directory().path()).open(QIODevice::WriteOnly));
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("can't be written")));
-    client().sendActivity(5);
-    QTRY_COMPARE(standIn().confirmedRecords().size(), 1);
-}
-
-TESSAPORT_TEST_MAIN(tst_Reports, QApplication)
+TESSAPORT_TEST_MAIN(ReportsTest, QApplication)
 
 #include "tst_reports.moc"
