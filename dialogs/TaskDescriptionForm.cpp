@@ -2,6 +2,7 @@
 #include "dialogs/TaskDescriptionForm.h"
 
 #include "RowList.h"
+#include "dialogs/ElidedText.h"
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/ScrollText.h"
 #include "res/Resources.h"
@@ -16,6 +17,9 @@
 #include <QSignalBlocker>
 
 namespace {
+
+/// In pixels: it leaves room for the size of the file and for the scroll bar.
+constexpr int longestFileName = 214;
 
 // As in the task list, the picture named hovered is the one at rest; this is on purpose.
 QString pageButtonStyle()
@@ -51,7 +55,7 @@ QString responsibleNames(const TaskInfo& taskInfo)
 
 QLabel* rowLabel(const QString& text, QWidget* row)
 {
-    const auto label = new QLabel(row);
+    const auto label = new ElidedLabel(row);
     label->setObjectName(QStringLiteral("label"));
     label->setTextFormat(Qt::PlainText);
     label->setText(text);
@@ -204,6 +208,7 @@ void TaskDescriptionForm::updateAttachments(const QList<Attachment>& files)
         const auto name = rowLabel(file.filenameOrig, row);
         name->setToolTip(plainToolTip(file.filenameOrig));
         name->setFixedHeight(23);
+        name->setMaximumWidth(longestFileName);
         const auto size = rowLabel(size_human(float(file.size.toLong())), row);
         size->setFixedHeight(23);
         const auto layout = new QHBoxLayout(row);

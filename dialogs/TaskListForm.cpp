@@ -2,6 +2,7 @@
 #include "dialogs/TaskListForm.h"
 
 #include "RowList.h"
+#include "dialogs/ElidedText.h"
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/TaskDescriptionForm.h"
 #include "mainwindow/AbstractMainForm.h"
@@ -12,7 +13,6 @@
 #include <QApplication>
 #include <QDesktopWidget>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPushButton>
 #include <QSignalBlocker>
 
@@ -184,7 +184,7 @@ QWidget* TaskListForm::taskRow(const QString& taskId, const QString& text)
 {
     QWidget* const row = newRow(m_ui->listWidget);
 
-    const auto label = new QLabel(row);
+    const auto label = new ElidedLabel(row);
     label->setObjectName(QStringLiteral("lbTask"));
     label->setTextFormat(Qt::PlainText);
     label->setText(text);
