@@ -15,6 +15,7 @@
 #include "ui_MainForm.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QDesktopWidget>
 #include <QKeyEvent>
 #include <QMenu>
@@ -45,6 +46,9 @@ void MainForm::setupWindow()
     const QRect available = QApplication::desktop()->availableGeometry(this);
     move(available.right() - width(), available.bottom() - height());
     keepPlaceWhenShown(this);
+    // Else the first button would have the focus, and show it, before anybody has touched a key.
+    setFocusPolicy(Qt::ClickFocus);
+    setFocus();
 
     m_lbTask = std::make_unique<ScrollText>(true, this);
     m_lbTask->setObjectName(QStringLiteral("lbTask"));
@@ -86,6 +90,14 @@ void MainForm::setupTrayMenu()
     connect(m_ui->actionAutostart, &QAction::toggled, autoRun, &AutoRun::enable);
 
     m_ui->pbMenu->setMenu(m_menu);
+    // The menu has the mouse, and the button does not hear that it has gone elsewhere.
+    connect(m_menu, &QMenu::aboutToHide, this, [this] {
+        QPushButton* const button = m_ui->pbMenu;
+        if (!button->rect().contains(button->mapFromGlobal(QCursor::pos()))) {
+            QEvent leave(QEvent::Leave);
+            QCoreApplication::sendEvent(button, &leave);
+        }
+    });
     m_trayIcon->setContextMenu(m_menu);
 }
 
