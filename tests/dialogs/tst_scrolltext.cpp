@@ -116,10 +116,8 @@ private slots:
         tick(widget, 4);
         QCOMPARE(sixteenths(9), 10);
         // A narrow one has none.
-        for (const int width : {64, 65}) {
-            widget.setWidth(width);
-            QCOMPARE(sixteenths(width - 1), width == 64 ? 16 : 1);
-        }
+        widget.setWidth(64);
+        QCOMPARE(sixteenths(63), 16);
     }
 
     void restsAgainAfterAChange()
@@ -129,8 +127,8 @@ private slots:
         widget.setWidth(150);
         QVERIFY(moves(widget));
         widget.setText(longText.toUpper());
-        QVERIFY(!moves(widget));
         tick(widget, restTicks - 1);
+        QVERIFY(!moves(widget));
         QVERIFY(moves(widget));
         // As wide as the text for a while.
         for (const int width : {1000, 171}) {
@@ -168,13 +166,11 @@ private slots:
         for (const bool hoverColour : {true, false}) {
             ScrollText widget(hoverColour);
             const auto colour = [&] { return widget.palette().color(widget.foregroundRole()); };
-            QCOMPARE(colour(), atRest);
-            QEvent enter(QEvent::Enter);
-            QApplication::sendEvent(&widget, &enter);
-            QCOMPARE(colour(), hoverColour ? QColor(0, 0, 0) : atRest);
-            QEvent leave(QEvent::Leave);
-            QApplication::sendEvent(&widget, &leave);
-            QCOMPARE(colour(), atRest);
+            for (const QEvent::Type type : {QEvent::Enter, QEvent::Leave}) {
+                QEvent event(type);
+                QApplication::sendEvent(&widget, &event);
+                QCOMPARE(colour(), hoverColour && type == QEvent::Enter ? QColor(0, 0, 0) : atRest);
+            }
         }
     }
 

@@ -3,6 +3,7 @@
 
 #include "dialogs/ServiceTextBrowser.h"
 #include "dialogs/TaskDescriptionForm.h"
+#include "dialogs/TaskForm.h"
 #include "dialogs/TaskListForm.h"
 #include "res/Resources.h"
 #include "support/TestMain.h"
@@ -13,6 +14,8 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+
+#include <functional>
 
 namespace {
 
@@ -52,7 +55,7 @@ QStringList rowTexts(const QListWidget* list)
 
 } // namespace
 
-/// The list of a team's tasks and the descriptions that it opens.
+/// The picker of a task, the list of a team's tasks and the descriptions that it opens.
 class TaskPanelsTest : public QObject {
     Q_OBJECT
 
@@ -66,14 +69,15 @@ private slots:
     {
         m_service = std::make_unique<SignedInService>();
         m_mainForm = std::make_unique<QuietMainForm>(m_service.get());
-        Session* const session = m_service->session();
-        session->setTeams({{QStringLiteral("1"), QStringLiteral("Первая")},
-                           {QStringLiteral("2"), QStringLiteral("Вторая")}});
-        session->setTasks({makeTask("11", "Письмо")}, QStringLiteral("1"));
-        session->setTasks({makeTask("21", "<h1>Макет</h1>", QDateTime({2020, 4, 26}, {18, 5})),
-                           makeTask("22", "Текст"), unassignedTask()},
-                          QStringLiteral("2"));
-        session->setTeamID(QStringLiteral("2"));
+        session().setTeams({{QStringLiteral("1"), QStringLiteral("Первая")},
+                            {QStringLiteral("2"), QStringLiteral("Вторая")}});
+        session().setTasks({makeTask("11", "Письмо"), makeTask("12", "Б")}, QStringLiteral("1"));
+        session().setTasks({makeTask("21", "<h1>Макет</h1>", QDateTime({2020, 4, 26}, {18, 5})),
+                            makeTask("22", "Текст"), unassignedTask()},
+                           QStringLiteral("2"));
+        session().setTeamID(QStringLiteral("2"));
+        session().setTaskID(QStringLiteral("22"));
+        m_picker = std::make_unique<TaskForm>(m_mainForm.get());
         m_list = std::make_unique<TaskListForm>(m_service.get(), m_mainForm.get());
         m_description = std::make_unique<TaskDescriptionForm>(QStringLiteral("21"), m_service.get(),
                                                               m_list.get());
@@ -82,8 +86,101 @@ private slots:
     {
         m_description.reset();
         m_list.reset();
+        m_picker.reset();
         m_mainForm.reset();
         m_service.reset();
+    }
+
+    void pickerLoadsUntilAnyAnswer()
+    {
+        const std::function<void()> answers[] = {
+            [this] { emit m_service->error(TessaPort::UnknownError); },
+            [this] { emit session().teamsUpdated(); },
+            [this] { emit session().tasksUpdated(QStringLiteral("1")); },
+            [this] { emit session().taskClosed(QStringLiteral("11")); },
+        };
+        session().setIsOnline(true);
+        for (const auto& answer : answers) {
+            m_picker->reload();
+            QCOMPARE(labelText(*m_picker, "lbLoading"), QStringLiteral("Загрузка..."));
+            QVERIFY(!box("cbTeam")->isEnabled() && !box("cbTask")->isEnabled());
+            answer();
+            QCOMPARE(labelText(*m_picker, "lbLoading"), QString());
+            QVERIFY(box("cbTeam")->isEnabled() && box("cbTask")->isEnabled());
+            QCOMPARE(picked(), QStringLiteral("2/22"));
+        }
+    }
+
+    void pickerLeavesOnlyBlockingTasks()
+    {
+        QList<Task> tasks{makeTask("21", "А"), makeTask("22", "Б"), makeTask("23", "В")};
+        const auto shown = [&](const char* firstBlock, const char* lastBlock) {
+            tasks.first().block = QLatin1String(firstBlock);
+            tasks.last().block = QLatin1String(lastBlock);
+            session().setTasks(tasks, QStringLiteral("2"));
+            return box("cbTask")->count();
+        };
+        QCOMPARE(shown("0", ""), 3);
+        QCOMPARE(shown("yes", "1"), 2);
+        QCOMPARE(shown("0", "1"), 1);
+        QCOMPARE(picked(), QStringLiteral("2/23"));
+    }
+
+    void pickerTellsTheDeadlineIfThereIsOne()
+    {
+        session().setTasks(
+            {makeTask("22", "<b>А</b>", QDateTime({2026, 3, 9}, {7, 5})), makeTask("23", "Б")},
+            QStringLiteral("2"));
+        QCOMPARE(box("cbTask")->currentText(),
+                 QStringLiteral("<b>А</b> | Истекает: 2026-03-09 07:05:00"));
+        QVERIFY(box("cbTask")->toolTip().contains(QStringLiteral("&lt;b&gt;")));
+        QCOMPARE(box("cbTask")->itemText(1), QStringLiteral("Б"));
+    }
+
+    void pickerRemembersTheTaskThatLeftAndNotTheTeam()
+    {
+        const QList<Task> tasks = session().tasks(QStringLiteral("2"));
+        session().setTasks({tasks.first()}, QStringLiteral("2"));
+        QCOMPARE(picked(), QStringLiteral("2/21"));
+        session().setTasks(tasks, QStringLiteral("2"));
+        QCOMPARE(picked(), QStringLiteral("2/22"));
+
+        const QList<Team> teams = session().teams();
+        session().setTeams({teams.first()});
+        QCOMPARE(picked(), QStringLiteral("1/11"));
+        session().setTeams(teams);
+        QCOMPARE(picked(), QStringLiteral("1/11"));
+        session().setTeams({});
+        QCOMPARE(picked(), QStringLiteral("/"));
+    }
+
+    void pickCountsWhenItIsConfirmed()
+    {
+        QSignalSpy finished(m_picker.get(), &QDialog::finished);
+        const auto buttons = m_picker->findChildren<QPushButton*>(QStringLiteral("pbTessaport"));
+        box("cbTeam")->setCurrentIndex(0);
+        box("cbTask")->setCurrentIndex(1);
+        emit session().teamsUpdated();
+        QCOMPARE(picked(), QStringLiteral("1/12"));
+        m_picker->show();
+        buttons.last()->click();
+        QVERIFY(!m_picker->isVisible());
+        QVERIFY(finished.isEmpty());
+        m_picker->reload();
+        QCOMPARE(picked(), QStringLiteral("2/22"));
+        m_picker->show();
+        buttons.first()->click();
+        QCOMPARE(finished.value(0).value(0).toInt(), int(QDialog::Accepted));
+    }
+
+    void pickerFollowsItsPanel()
+    {
+        const QPoint before = m_picker->pos();
+        drag(m_picker->findChild<QPushButton*>(), Qt::LeftButton);
+        drag(m_picker.get(), Qt::RightButton);
+        QCOMPARE(m_picker->pos(), before);
+        drag(m_picker.get(), Qt::LeftButton);
+        QCOMPARE(m_picker->pos(), before + QPoint(40, 0));
     }
 
     void listsTheTasksOfTheChosenTeam()
@@ -96,11 +193,11 @@ private slots:
         QCOMPARE(m_list->pos(), QPoint(area.right() - 394, area.bottom() - (565 + 73)));
 
         // It is built when the team changes and not before.
-        m_service->session()->setTasks({}, QStringLiteral("2"));
-        emit m_service->session()->teamsUpdated();
+        session().setTasks({}, QStringLiteral("2"));
+        emit session().teamsUpdated();
         QCOMPARE(list()->count(), 2);
         emit m_service->teamChanged(QStringLiteral("1"));
-        QCOMPARE(rowTexts(list()), QStringList(QStringLiteral("Письмо | Истекает: ")));
+        QCOMPARE(rowTexts(list()).value(0), QStringLiteral("Письмо | Истекает: "));
         QCOMPARE(m_list->windowTitle(), QStringLiteral("Задачи команды \"Первая\""));
         emit m_service->teamChanged(QStringLiteral("3"));
         QCOMPARE(list()->count(), 0);
@@ -164,7 +261,7 @@ private slots:
         QCOMPARE(text("lbTaskDeadline"), QStringLiteral("Истекает: "));
 
         // Offline, what is cached.
-        m_service->session()->setTaskInfo(bare.id, fullInfo());
+        session().setTaskInfo(bare.id, fullInfo());
         m_description->requestUpdateTask(bare.id);
         QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("2"));
     }
@@ -253,6 +350,15 @@ private slots:
     }
 
 private:
+    Session& session() { return *m_service->session(); }
+    QComboBox* box(const char* name)
+    {
+        return m_picker->findChild<QComboBox*>(QLatin1String(name));
+    }
+    QString picked()
+    {
+        return m_picker->selectedTeamId() + QLatin1Char('/') + m_picker->selectedTaskId();
+    }
     QListWidget* list() const { return m_list->findChild<QListWidget*>(); }
     QWidget* row(int index) const { return list()->itemWidget(list()->item(index)); }
     void clickRow(int index) const { row(index)->findChild<QPushButton*>()->click(); }
@@ -265,6 +371,7 @@ private:
 
     std::unique_ptr<SignedInService> m_service;
     std::unique_ptr<QuietMainForm> m_mainForm;
+    std::unique_ptr<TaskForm> m_picker;
     std::unique_ptr<TaskListForm> m_list;
     std::unique_ptr<TaskDescriptionForm> m_description;
     QList<QUrl> m_opened;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mainwindow/MainForm.h"
+#include "mainwindow/TimeText.h"
 #include "notifications/NotificationManager.h"
 #include "res/Resources.h"
 #include "service/TessaPort.h"
@@ -232,6 +233,30 @@ private slots:
             const QString picture = QStringLiteral(":/images/pb%1_hovered_clicked.png").arg(name);
             QVERIFY2(pictures.contains(picture), state);
         }
+    }
+
+    void overdueTexts()
+    {
+        const QPair<QDateTime, const char*> rows[] = {
+            {{{2020, 5, 15}, {12, 0}}, ""},
+            {{{2020, 5, 15}, {11, 59, 30}}, ""},
+            {{{2020, 5, 15}, {11, 45}}, "15 мин."},
+            {{{2020, 5, 14}, {22, 0}}, "14ч. "},
+            {{{2020, 5, 14}, {11, 0}}, "1д. 1ч. "},
+            {{{2020, 5, 13}, {12, 1}}, "1д. 23ч. 59 мин."},
+            {{{2020, 5, 13}, {8, 45}}, "2д. 3ч. 15 мин."},
+            {{{2020, 5, 5}, {12, 0}}, "10д. "}};
+        for (const auto& [deadline, text] : rows)
+            QCOMPARE(overdueText(deadline, QDateTime({2020, 5, 15}, {12, 0})),
+                     QString::fromUtf8(text));
+    }
+
+    void durationTexts()
+    {
+        const QPair<QTime, const char*> rows[] = {
+            {{0, 0}, "0мин"}, {{0, 59, 59}, "59мин"}, {{1, 0}, "1ч. 0мин"}, {{13, 7}, "13ч. 7мин"}};
+        for (const auto& [time, text] : rows)
+            QCOMPARE(durationText(time), QString::fromUtf8(text));
     }
 };
 

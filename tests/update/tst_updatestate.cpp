@@ -72,11 +72,11 @@ private slots:
         for (const char* value :
              {R"(@Variant(\0\0\0\x\t\x7f\xff\xff\xf0))", R"(a, @Variant(\0\0\0\v\x7f\0\0\0))",
               R"(@DateTime(\0\0\0\t\0\0\x7f\xff\xff))"}) {
-            const QByteArray content = QByteArray("forceUpdate=true\nupdateInfo=") + value;
-            write(path, content);
+            const QByteArray damaged = QByteArray("forceUpdate=true\nupdateInfo=") + value;
+            write(path, damaged);
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("put aside")));
             QVERIFY(!m_state.forceUpdate() && m_state.updateInfo().isEmpty());
-            QCOMPARE(read(path + QStringLiteral(".damaged")), content);
+            QCOMPARE(read(path + QStringLiteral(".damaged")), damaged);
         }
     }
 

@@ -1,12 +1,44 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Log.h"
+#include "app/WindowShapes.h"
+#include "platform/WindowSystem.h"
 #include "support/TestMain.h"
 
-class LogTest : public QObject {
+#include <QApplication>
+#include <QPainter>
+#include <QWidget>
+
+namespace {
+
+constexpr QRect panel(10, 10, 80, 60);
+constexpr QRect shadow(10, 70, 80, 5);
+
+class PanelWindow : public QWidget {
+public:
+    PanelWindow()
+    {
+        setWindowFlags(Qt::Tool | Qt::FramelessWindowHint);
+        setAttribute(Qt::WA_TranslucentBackground);
+        resize(100, 80);
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        painter.fillRect(panel, Qt::white);
+        painter.fillRect(shadow, QColor(0, 0, 0, 40));
+    }
+};
+
+} // namespace
+
+/// What the application does about its log and its windows.
+class ApplicationTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void lines()
+    void logLines()
     {
         openLog(m_directory.filePath(QStringLiteral("log.log")));
         logMessageHandler(QtDebugMsg, m_context, QStringLiteral("Monitor started"));
@@ -22,7 +54,7 @@ private slots:
     }
 
     // A full disk, for a while: what is lost stays lost, and the log goes on.
-    void unwritable()
+    void unwritableLog()
     {
         openLog(m_directory.path());
         QVERIFY(!logFile.isOpen());
@@ -33,6 +65,18 @@ private slots:
         logMessageHandler(QtDebugMsg, m_context, QStringLiteral("after a failure"));
         QVERIFY(content().endsWith("after a failure\n") && content().count('\n') == 1);
         logFile.close();
+    }
+
+    void aPanelKeepsItsShadowOnlyWhereWindowsAreMixed()
+    {
+        WindowShapes shapes(nullptr);
+        qApp->installEventFilter(&shapes);
+        PanelWindow window;
+        window.show();
+        QCOMPARE(window.mask(), platform::mixesTranslucentWindows() ? QRegion() : QRegion(panel));
+        QWidget ordinaryWindow;
+        ordinaryWindow.show();
+        QCOMPARE(ordinaryWindow.mask(), QRegion());
     }
 
 private:
@@ -46,6 +90,6 @@ private:
     QTemporaryDir m_directory;
 };
 
-TESSAPORT_TEST_MAIN(LogTest, QCoreApplication)
+TESSAPORT_TEST_MAIN(ApplicationTest, QApplication)
 
-#include "tst_log.moc"
+#include "tst_application.moc"
