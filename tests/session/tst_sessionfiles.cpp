@@ -160,12 +160,11 @@ private slots:
         session.setTeams({{first, QStringLiteral("Б")}, {second, QStringLiteral("А")}});
         Task task = unassignedTask();
         session.setTasks({task, Task()}, first);
-        TaskInfo info;
-        info.texts.append(TextTask{{}, {}, {}, {}, QUrl(QStringLiteral("http://я")), {}, {{}, {}}});
-        session.setTaskInfo(QStringLiteral("3"), info);
-        session.taskInfo(QStringLiteral("x=y"));
         // The last team's list brings the first save.
         session.setTasks({}, second);
+        task.importance = 7;
+        session.setTasks({task}, first);
+        session.save();
 
         writePlainly(
             path(0),
@@ -181,50 +180,38 @@ private slots:
              {QStringLiteral("task2activeTimeMap"), QVariantMap{{QString(), QTime(3, 0)}}}});
         writePlainly(path(1), {{first, QStringLiteral("Б")}, {second, QStringLiteral("А")}});
         writePlainly(path(2),
-                     {{first, QVariant::fromValue(QList<Task>{task, Task()})},
+                     {{first, QVariant::fromValue(QList<Task>{task})},
                       {second, QVariant::fromValue(QList<Task>())}});
-        writePlainly(path(3),
-                     {{QStringLiteral("3"), QVariant::fromValue(info)},
-                      {QStringLiteral("x=y"), QVariant::fromValue(TaskInfo())}});
-        writePlainly(path(4), {{QStringLiteral("lastLogin"), QStringLiteral("anna@example.com")}});
-        for (int file = 0; file < 5; ++file)
+        for (int file = 0; file < 3; ++file)
             QCOMPARE(contentOf(dataPath(fileNames[file])), contentOf(path(file)));
 
-        task.importance = 7;
-        session.setTasks({task}, first);
         session.setTeams({});
-        NotificationManager::instance()->closeAll();
         session.save();
-        writePlainly(path(2), {{first, QVariant::fromValue(QList<Task>{task})}});
-        QSettings(path(1), QSettings::IniFormat).clear();
-        for (int file = 0; file < 5; ++file)
-            QCOMPARE(contentOf(dataPath(fileNames[file])), contentOf(path(file)));
+        QCOMPARE(contentOf(dataPath(fileNames[1])), QByteArray());
+        NotificationManager::instance()->closeAll();
     }
 
     void damagedFiles_data()
     {
-        QTest::addColumn<bool>("aside");
         QTest::addColumn<QByteArray>("content");
-        QTest::newRow("zeros") << false << QByteArray(4096, '\0');
-        QTest::newRow("no ini") << false << QByteArray("<html>=\n[[[\n=\n\"\\x");
-        QTest::newRow("cut list")
-            << false << QByteArray(R"(17=@Variant(\0\0\0\x7f\0\0\0\fQList<Task>\0\0\0\0\x1\0\0))");
-        QTest::newRow("huge list")
-            << false
-            << QByteArray(R"(17=@Variant(\0\0\0\x7f\0\0\0\fQList<Task>\0\x7f\xff\xff\xff))");
-        QTest::newRow("huge list of Qt's")
-            << true << QByteArray(R"(17=@Variant(\0\0\0\v\x7f\xff\xff\xff))");
-        QTest::newRow("type that passes for any other")
-            << true << QByteArray(R"(17=@Variant(\0\0\0\x34\0\x66))");
-        QTest::newRow("huge list in a map")
-            << true
-            << QByteArray(R"(x=@Variant(\0\0\0\b\0\0\0\x1\0\0\0\0\0\0\0\v\x7f\xff\xff\xff))");
+        QTest::newRow("zeros") << QByteArray(4096, '\0');
+        for (const char* content :
+             {"<html>=\n[[[\n=\n\"\\x",
+              // A list that is cut, and one of too many.
+              R"(17=@Variant(\0\0\0\x7f\0\0\0\fQList<Task>\0\0\0\0\x1\0\0))",
+              R"(17=@Variant(\0\0\0\x7f\0\0\0\fQList<Task>\0\x7f\xff\xff\xff))",
+              // Lists of Qt's own of too many, and a type that passes for any other.
+              R"(17=@Variant(\0\0\0\v\x7f\xff\xff\xff))",
+              R"(x=@Variant(\0\0\0\b\0\0\0\x1\0\0\0\0\0\0\0\v\x7f\xff\xff\xff))",
+              R"(17=@Variant(\0\0\0\x34\0\x66))"})
+            QTest::newRow(content) << QByteArray(content);
     }
 
     void damagedFiles()
     {
         QFETCH(QByteArray, content);
-        QFETCH(bool, aside);
+        // What Qt would read beyond all bounds is not even tried.
+        const bool aside = content.contains("@Variant") && !content.contains("QList<Task>");
         for (int file = 0; file < 4; ++file) {
             writeFile(dataPath(fileNames[file]), content);
             if (aside)
