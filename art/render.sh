@@ -27,7 +27,7 @@ png_size() {
 # The size a picture is made for; an empty answer is a picture whose size nothing fixes.
 required_size() {
     case $1 in
-        images/pb|images/pb-*)                          echo 73x23 ;;
+        images/pb|images/pb-*|*/pb_disabled)            echo 73x23 ;;
         images/le)                                      echo 212x21 ;;
         images/pbLoginClose*)                           echo 31x19 ;;
         images/pbMenu*)                                 echo 25x16 ;;

@@ -20,8 +20,14 @@ void setArrow(QToolButton* button, const QString& resource)
         icon.addPixmap(arrow, mode, QIcon::On);
     button->setIcon(icon);
     // The size of the picture, and not the one of the calendar's sheet: at that one the picture of
-    // a scaled screen would be drawn dot by dot, twice as large.
-    button->setStyleSheet(QStringLiteral("QToolButton {icon-size: 16px;}"));
+    // a scaled screen would be drawn dot by dot, twice as large. And with a border of its own,
+    // since the style would fill the raised button of a hovered arrow with the sheet's transparent
+    // colour, which comes out black.
+    button->setStyleSheet(
+        QStringLiteral("QToolButton {icon-size: 16px; width: 24px; border: 1px solid transparent;"
+                       " border-radius: 4px;}"
+                       "QToolButton:hover {border-color: #D2CEC2; background-color: #FFFFFF;}"
+                       "QToolButton:pressed {border-color: #CDA145; background-color: #F6D98A;}"));
 }
 
 } // namespace
@@ -118,7 +124,8 @@ void CalendarForm::setUpCalendar()
     QTextCharFormat header = calendar->headerTextFormat();
     header.setFontCapitalization(QFont::Capitalize);
     calendar->setHeaderTextFormat(header);
-    QFont titleFont = calendar->font();
+    // Smaller than the days: the longest months would touch the year.
+    QFont titleFont = font();
     titleFont.setCapitalization(QFont::Capitalize);
     month->setFont(titleFont);
     year->setFont(titleFont);

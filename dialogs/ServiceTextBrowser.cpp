@@ -3,6 +3,7 @@
 
 #include <QDesktopServices>
 #include <QPixmap>
+#include <QScrollBar>
 #include <QStyle>
 #include <QTextOption>
 
@@ -39,6 +40,11 @@ ServiceTextBrowser::ServiceTextBrowser(QWidget* parent)
     // Left to itself the browser would go to a link that is not an external one, and be empty.
     setOpenLinks(false);
     connect(this, &QTextBrowser::anchorClicked, this, &openWebPage);
+    // A bar that is always there has no handle while there is nothing to scroll.
+    QScrollBar* const bar = verticalScrollBar();
+    bar->setEnabled(false);
+    connect(bar, &QScrollBar::rangeChanged, bar,
+            [bar](int minimum, int maximum) { bar->setEnabled(maximum > minimum); });
 }
 
 void ServiceTextBrowser::setText(const QString& text)

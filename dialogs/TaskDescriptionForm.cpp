@@ -254,6 +254,7 @@ void TaskDescriptionForm::updateKeywords(const QList<Keyword>& keywords)
     for (const Keyword& keyword : keywords) {
         QWidget* const row = newRow(m_ui->listKeywords);
         const auto phrase = rowLabel(keyword.keyword, row);
+        phrase->setToolTip(plainToolTip(keyword.keyword));
         phrase->setFixedSize(180, 15);
         const auto exact = rowLabel(QStringLiteral("Точн. ") + keyword.count, row);
         exact->setFixedHeight(15);

@@ -49,6 +49,7 @@ void installPalette()
     const QColor text(0x26, 0x26, 0x26);
     const QColor faint(0x9A, 0x97, 0x91);
     const QColor gold(0xF4, 0xD4, 0x83);
+    const QColor link(0x85, 0x68, 0x29);
 
     QPalette palette(panel);
     for (const QPalette::ColorRole role :
@@ -60,6 +61,8 @@ void installPalette()
     palette.setColor(QPalette::AlternateBase, panel);
     palette.setColor(QPalette::Highlight, gold);
     palette.setColor(QPalette::PlaceholderText, faint);
+    palette.setColor(QPalette::Link, link);
+    palette.setColor(QPalette::LinkVisited, link);
 
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(palette);
