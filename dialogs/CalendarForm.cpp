@@ -24,8 +24,8 @@ void setArrow(QToolButton* button, const QString& resource)
     // since the style would fill the raised button of a hovered arrow with the sheet's transparent
     // colour, which comes out black.
     button->setStyleSheet(
-        QStringLiteral("QToolButton {icon-size: 16px; width: 24px; border: 1px solid transparent;"
-                       " border-radius: 4px;}"
+        QStringLiteral("QToolButton {icon-size: 16px; width: 24px;"
+                       " border: 1px solid transparent; border-radius: 4px;}"
                        "QToolButton:hover {border-color: #D2CEC2; background-color: #FFFFFF;}"
                        "QToolButton:pressed {border-color: #CDA145; background-color: #F6D98A;}"));
 }
