@@ -2,6 +2,8 @@
 #include "notifications/NotificationForm.h"
 #include "notifications/NotificationManager.h"
 #include "session/Session.h"
+#include "session/TaskChanges.h"
+#include "session/TaskLists.h"
 #include "support/TestMain.h"
 
 #include <QApplication>
@@ -10,20 +12,52 @@
 
 #include <memory>
 
+using Lists = QMap<QString, QList<Task>>;
+Q_DECLARE_METATYPE(Lists)
+
 namespace {
 
 const QString a = QStringLiteral("a");
 const QString b = QStringLiteral("b");
 const QString taskId = QStringLiteral("1");
 
-Task task(const char* id, const char* block = "", int deadlineHour = 1)
+QDateTime at(int hour)
+{
+    return hour < 0 ? QDateTime() : QDateTime(QDate(2025, 5, 12), QTime(hour, 0));
+}
+
+/// An hour below 0 stands for a date that is missing.
+Task entry(const char* id, const char* block = "", int comment = -1, int deadline = -1,
+           const char* title = "t")
 {
     return {QString::fromLatin1(id),
-            QStringLiteral("Задача ") + QString::fromLatin1(id),
-            QDateTime(QDate(2025, 5, 12), QTime(deadlineHour, 0)),
+            QString::fromUtf8(title),
+            at(deadline),
             QString::fromLatin1(block),
-            QDateTime(),
+            at(comment),
             0};
+}
+
+Task task(const char* id, const char* block = "", int deadlineHour = 1)
+{
+    return entry(id, block, -1, deadlineHour, QByteArray("Задача ").append(id));
+}
+
+TaskLists listsOf(const Lists& lists)
+{
+    TaskLists result;
+    for (auto team = lists.begin(); team != lists.end(); ++team)
+        result.setTasks(team.key(), *team);
+    return result;
+}
+
+QString textOf(const TaskChange& change)
+{
+    static const char* const names[] = {"blocks", "frees", "comment", "new blocking",
+                                        "new",    "gone",  "deadline"};
+    const Task& task = change.kind == TaskChange::Removed ? change.before : change.after;
+    return QLatin1String(names[change.kind]) + QLatin1Char(' ') + task.id + QLatin1Char(' ')
+        + task.title;
 }
 
 /// The notices on screen, from below, each as its type and its text; they are closed.
@@ -71,6 +105,79 @@ private slots:
     }
 
     void cleanup() { NotificationManager::instance()->closeAll(); }
+
+    void changes_data()
+    {
+        QTest::addColumn<Lists>("known");
+        QTest::addColumn<QString>("team");
+        QTest::addColumn<QList<Task>>("now");
+        QTest::addColumn<QString>("expected");
+        const auto row = [](const char* name, const Lists& known, const QString& team,
+                            const QList<Task>& now, const char* expected) {
+            QTest::newRow(name) << known << team << now << QString::fromLatin1(expected);
+        };
+        const QString exempt = QStringLiteral("2192");
+
+        row("0 is not blocking", {{a, {entry("1", "1"), entry("2", "0")}}}, a,
+            {entry("1", "0"), entry("2")}, "frees 1 t");
+        row("newer comment", {{a, {entry("1", "", 3), entry("2")}}}, a,
+            {entry("1", "", 4), entry("2", "", 0)}, "comment 1 t,comment 2 t");
+        row("new team", {}, a, {entry("1"), entry("2", "1"), entry("0")},
+            "new 1 t,new blocking 2 t");
+        row("title is the present one", {{a, {entry("1")}}}, a, {entry("1", "1", -1, -1, "u")},
+            "blocks 1 u");
+        row("in another team", {{a, {}}, {b, {entry("1")}}}, a, {entry("1")}, "");
+        row("compared with the first team and not with its own",
+            {{a, {entry("1", "", 4), entry("2")}}, {b, {entry("1"), entry("2", "", 4)}}}, b,
+            {entry("1", "", 4), entry("2", "", 4)}, "comment 2 t");
+        row("deadline of its own team",
+            {{a, {entry("1", "", -1, 2)}}, {b, {entry("1"), entry("2", "", -1, 3)}}}, b,
+            {entry("1", "", -1, 2), entry("2")}, "deadline 1 t,deadline 2 t");
+        row("deadline in the exempt team", {{exempt, {entry("1"), entry("2")}}}, exempt,
+            {entry("1", "1", -1, 3), entry("2", "", 1)}, "blocks 1 t,comment 2 t");
+        row("unassigned time", {{a, {entry("0")}}}, a, {entry("0", "1", 3, 3)}, "deadline 0 t");
+        row("in order of the passes", {{a, {entry("1"), entry("2", "", -1, 3), entry("3")}}}, a,
+            {entry("4"), entry("3", "", 1, 5), entry("2", "1", 1, 3)},
+            "new 4 t,comment 3 t,blocks 2 t,comment 2 t,gone 1 t,deadline 3 t");
+        row("twice in the new list", {{a, {entry("1")}}}, a,
+            {entry("1", "", -1, 1, "x"), entry("2"), entry("2"), entry("1", "", -1, 2, "y")},
+            "new 2 t,new 2 t,deadline 1 x,deadline 1 y");
+        row("twice in the old list",
+            {{a, {entry("1"), entry("1", "", -1, 2), entry("2"), entry("2")}}}, a,
+            {entry("1", "", -1, 2)}, "gone 2 t,gone 2 t,deadline 1 t");
+    }
+
+    void changes()
+    {
+        QFETCH(Lists, known);
+        QFETCH(QString, team);
+        QFETCH(QList<Task>, now);
+        QStringList texts;
+        const QVector<TaskChange> changes = compareTasks(listsOf(known), team, now);
+        for (const TaskChange& change : changes)
+            texts.append(textOf(change));
+        QTEST(texts.join(QLatin1Char(',')), "expected");
+    }
+
+    void lookUpsFollowTheLists()
+    {
+        const QString one = QStringLiteral("1");
+        TaskLists lists = listsOf({{b, {entry("1", "", -1, 1, "b"), entry("2"), entry("0")}},
+                                   {a, {entry("3"), entry("1", "", -1, 1, "a"), entry("0")}}});
+        QString ids;
+        const QList<Task> all = lists.allTasks();
+        for (const Task& each : all)
+            ids += each.id;
+        QCOMPARE(ids, QStringLiteral("3102"));
+        QCOMPARE(lists.findFirst(one)->title, a);
+        QCOMPARE(lists.find(b, one)->title, b);
+        lists.setTasks(a, {entry("0"), entry("3")});
+        QCOMPARE(lists.findFirst(one)->title, b);
+        QCOMPARE(lists.remove(entry("1")), QStringList{b});
+        QVERIFY(!lists.findFirst(one));
+        // Those behind the removed one have moved up.
+        QCOMPARE(lists.find(b, QStringLiteral("0"))->id, QStringLiteral("0"));
+    }
 
     void noticesAndSignalsInOrder()
     {
@@ -159,10 +266,7 @@ private slots:
         for (int i = 0; i < 61; ++i)
             m_session->tick();
         m_session->addWorkMinute();
-        // An idle minute: the work time stays shown, and the active time falls back.
-        m_session->syncDisplayActivetime();
         QCOMPARE(m_session->displayWorktime(), QTime(23, 59, 1));
-        QCOMPARE(m_session->displayActivetime(), QTime(23, 59));
         m_session->addWorkMinute();
         m_session->addActiveMinute();
 
