@@ -40,7 +40,7 @@ Task entry(const char* id, const char* block = "", int comment = -1, int deadlin
 
 Task task(const char* id, const char* block = "", int deadlineHour = 1)
 {
-    return entry(id, block, -1, deadlineHour, QByteArray("Задача ").append(id));
+    return entry(id, block, -1, deadlineHour, QByteArray("Задача ").append(id).constData());
 }
 
 TaskLists listsOf(const Lists& lists)
