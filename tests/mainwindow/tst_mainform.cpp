@@ -92,6 +92,7 @@ class MainFormTest : public QObject {
 
 private slots:
     void initTestCase() { initResources(); }
+
     void activeMinute()
     {
         Strip strip;
