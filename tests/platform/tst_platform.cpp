@@ -53,7 +53,7 @@ void PlatformTest::steadyTick()
 
 void PlatformTest::runningByExactName()
 {
-    for (const QString& name : {QStringLiteral("TPMC-probe.exe"),
+    for (const QString& name : {QStringLiteral("TPMC-update.exe"),
                                 QStringLiteral("TPMC probe of a name beyond all bounds.exe")}) {
         const QString path = QDir::home().filePath(name);
         QVERIFY(QFile::copy(QStringLiteral(PROBE), path));

@@ -15,7 +15,9 @@ constexpr int pollInterval = 20;
 
 /// The stand-in is a program of the Linux machine under this Wine. Wine can start such a one but
 /// neither connects to it nor ends it, so that a script does, and the two of us agree by files: it
-/// runs as long as one is there, and says by another that it does.
+/// runs as long as one is there, and says by another that it does. The script in turn is started
+/// by a program of Wine's: in the process that starts a native program, Wine closes a handle that
+/// is not its own, which here was that of the event loop.
 class NativeProcess : public StandInProcess {
 public:
     NativeProcess(const QStringList& arguments, const QString& folder)
@@ -25,9 +27,11 @@ public:
         const bool created = keep.open(QIODevice::WriteOnly);
         QFile::remove(output());
         if (created) {
-            QProcess::startDetached(QStringLiteral(STANDIN_LAUNCHER),
-                                    QStringList(folder)
-                                        << QStringLiteral(STANDIN_EXECUTABLE) << arguments);
+            QProcess::startDetached(QStringLiteral("start"),
+                                    QStringList{QStringLiteral("/unix"),
+                                                QStringLiteral(STANDIN_LAUNCHER), folder,
+                                                QStringLiteral(STANDIN_EXECUTABLE)}
+                                        << arguments);
         }
     }
     ~NativeProcess() override { QFile::remove(m_folder.filePath(QStringLiteral("keep"))); }
