@@ -32,11 +32,210 @@ class WindowsTest : public QObject {
 
 private slots:
     void init() { Desktop::movePointer({300, 300}); }
-    void changesAtService();
-    void hideAndShowAll();
-    void accountAndExit();
-    void panels();
-    void laterDeadline();
+
+    void changesAtService()
+    {
+        QJsonObject data = StandIn::demoData();
+        StandIn standIn(data, SERVICE_PORT);
+        Home home;
+        home.signIn("1507", "48211", true);
+        // The user's browser.
+        home.addProgram("xdg-open", "echo \"$1\" >>\"$HOME/pages\"");
+        Program program(home);
+        program.start();
+        QVERIFY(home.waitForLog("Monitor started"));
+        // That the monitor runs again; it goes by itself. What is there at first raises none.
+        QVERIFY(program.waitForNotices(1));
+        QVERIFY(refresh(program));
+        QVERIFY(refresh(program));
+        QVERIFY(program.waitForNotices(0));
+
+        QJsonArray teams = data[QLatin1String("teams")].toArray();
+        QJsonArray tasks = teams.at(0)[QLatin1String("tasks")].toArray();
+        change(tasks, 0, QStringLiteral("last_comment"), QStringLiteral("+1m"));
+        change(tasks, 1, QStringLiteral("deadline"), QStringLiteral("+2d"));
+        // The last task goes, and another one comes.
+        change(tasks, 4, QStringLiteral("id"), QStringLiteral("48299"));
+        change(teams, 0, QStringLiteral("tasks"), tasks);
+        teams.append(QJsonObject{{QStringLiteral("id"), QStringLiteral("1700")},
+                                 {QStringLiteral("name"), QStringLiteral("Новая команда")},
+                                 {QStringLiteral("tasks"), QJsonArray()}});
+        data[QLatin1String("teams")] = teams;
+        standIn.setData(data);
+        QVERIFY(program.openTaskPicker());
+        // Comment, new task, removed task, deadline, team; two of them go by themselves.
+        QVector<QRect> stack;
+        QVERIFY(waitUntil([&] {
+            stack = program.notices();
+            return stack.size() == 5;
+        }));
+        Desktop::press("Escape");
+        QVERIFY(program.waitForGone(picker));
+        const QRect stripPlace = program.window(strip)->geometry;
+        for (int i = 0; i < stack.size(); ++i)
+            QCOMPARE(stack[i].bottomRight(), stripPlace.topRight() - QPoint(0, i * 100 + 1));
+        QVERIFY(program.waitForNotices(3));
+        QVERIFY(waitUntil([&] { return program.notices() == stack.mid(0, 3); }));
+        QCOMPARE(home.logged("Monitor stopped"), 0);
+
+        // The bell hides them and brings them back.
+        QVERIFY(program.click(strip, bell));
+        QVERIFY(program.waitForNotices(0));
+        QVERIFY(program.click(strip, bell));
+        QVERIFY(program.waitForNotices(3));
+        QCOMPARE(program.notices(), stack.mid(0, 3));
+
+        // The lowest leads to its task, and the others come down.
+        Desktop::click(stack.first().center());
+        QVERIFY(program.waitForNotices(2));
+        QVERIFY(waitUntil([&] { return program.notices() == stack.mid(0, 2); }));
+        const QString pages = QDir(home.path()).filePath(QStringLiteral("pages"));
+        QVERIFY(waitUntil([&] { return content(pages).endsWith('\n'); }));
+        QCOMPARE(QString::fromUtf8(content(pages)),
+                 standIn.url() + QStringLiteral("/task?id=48211\n"));
+
+        // A blocking task leaves no other to work on.
+        change(tasks, 3, QStringLiteral("block"), QStringLiteral("1"));
+        change(teams, 0, QStringLiteral("tasks"), tasks);
+        data[QLatin1String("teams")] = teams;
+        standIn.setData(data);
+        QVERIFY(refresh(program));
+        QVERIFY(program.waitForNotices(3));
+        QVERIFY(home.waitForLog("Monitor stopped"));
+        QVERIFY(program.click(strip, playButton));
+        QVERIFY(refresh(program));
+        QCOMPARE(home.logged("Monitor started"), 1);
+    }
+
+    void accountAndExit()
+    {
+        StandIn standIn(StandIn::demoData(), SERVICE_PORT);
+        Home home;
+        home.signIn("1507", "48215", true);
+        Program program(home);
+        program.start();
+        QVERIFY(home.waitForLog("Monitor started"));
+        QVERIFY(program.waitForNotices(1));
+
+        QVERIFY(program.chooseFromMenu("Down Down Down Return"));
+        QVERIFY(program.waitForActive(signIn));
+        QCOMPARE(home.logged("Monitor stopped"), 1);
+        Desktop::press("ctrl+a");
+        Desktop::type("anna@example.com");
+        Desktop::press("Tab");
+        Desktop::type("demo");
+        Desktop::press("Return");
+        QVERIFY(home.waitForLog("Login as  \"anna@example.com\""));
+        QVERIFY(program.waitForGone(signIn));
+        QVERIFY(program.isRunning());
+        const auto taskOf = [&](const char* sessionFile) {
+            return Home::value(home.file(sessionFile), "taskID").toString();
+        };
+        QCOMPARE(taskOf("demo@example.com/session.ini"), QStringLiteral("48215"));
+
+        // Her first task, by the keyboard.
+        QVERIFY(program.openTaskPicker());
+        Desktop::press("Return");
+        QVERIFY(program.waitForGone(picker));
+        QVERIFY(program.click(strip, playButton));
+        QVERIFY(home.waitForLog("Monitor started", 2));
+        QVERIFY(program.chooseFromMenu("Up Return"));
+        QCOMPARE(program.waitForExit(), 0);
+        QVERIFY(home.log().endsWith(": Exit TessaPort Team Monitor OK\n"));
+        QCOMPARE(taskOf("anna@example.com/session.ini"), QStringLiteral("48211"));
+
+        program.start();
+        QVERIFY(program.waitForNotices(1));
+        QCOMPARE(home.logged("Monitor started"), 3);
+        QVERIFY(!program.window(signIn));
+    }
+
+    void panels()
+    {
+        StandIn standIn(StandIn::demoData(), SERVICE_PORT);
+        Home home;
+        home.signIn("", "", false);
+        Program program(home);
+        program.start();
+        QVERIFY(program.waitFor(strip));
+        // The second team; its one task to choose from is the blocking one.
+        QVERIFY(program.openTaskPicker());
+        Desktop::press("Down Return");
+        QVERIFY(program.waitForGone(picker));
+
+        QVERIFY(program.click(strip, tasksWord));
+        const QPoint firstRow(330, 53);
+        const QPoint secondRow(330, 79);
+        QVERIFY(program.click(taskList, firstRow));
+        QVERIFY(program.waitFor(description));
+        const QString first = program.window(description)->id;
+
+        // All three are there to be used at the same time.
+        QVERIFY(program.click(taskList, secondRow));
+        QVERIFY(waitUntil([&] {
+            const auto shown = program.window(description);
+            return shown && shown->id != first;
+        }));
+        const QRect word(258, 8, 60, 20);
+        const QImage today = program.picture(strip, word);
+        for (const bool isOther : {true, false}) {
+            QVERIFY(program.click(strip, word.center()));
+            // Away again, or a tool tip covers the word.
+            Desktop::movePointer({300, 300});
+            QVERIFY(waitUntil([&] { return (program.picture(strip, word) != today) == isOther; }));
+        }
+        QVERIFY(program.window(taskList) && program.window(description));
+
+        // They go and come back together.
+        QVERIFY(program.click(strip, {150, 60}));
+        QVERIFY(program.waitForActive(strip));
+        Desktop::press("Escape");
+        for (const QString& title : {strip, taskList, description})
+            QVERIFY(program.waitForGone(title));
+        for (const DesktopWindow& window : Desktop::windows()) {
+            if (window.title == QLatin1String("panel"))
+                Desktop::click(window.geometry.center());
+        }
+        for (const QString& title : {strip, taskList, description})
+            QVERIFY(program.waitFor(title));
+
+        QVERIFY(program.click(taskList, secondRow));
+        QVERIFY(program.waitForGone(description));
+        QVERIFY(program.click(strip, tasksWord));
+        QVERIFY(program.waitForGone(taskList));
+        // The button in the corner.
+        QVERIFY(program.click(strip, {374, 10}));
+        QVERIFY(program.waitForGone(strip));
+        QVERIFY(program.isRunning());
+    }
+
+    void laterDeadline()
+    {
+        StandIn standIn(StandIn::demoData(), SERVICE_PORT);
+        Home home;
+        home.signIn("1507", "48211", false);
+        Program program(home);
+        program.start();
+        QVERIFY(program.click(strip, {374, 40}));
+        const QString dialog = QStringLiteral("Запрос на продление задачи");
+        const QPoint ok(57, 337);
+        QVERIFY(program.click(dialog, ok));
+        // Asks for a reason and stays.
+        QVERIFY(program.waitForNotices(1));
+        QVERIFY(program.click(dialog, {100, 270}));
+        QVERIFY(program.waitForActive(dialog));
+        Desktop::type("Waiting for 50% of texts & pictures");
+        QVERIFY(program.click(dialog, ok));
+        QVERIFY(program.waitForGone(dialog));
+        const QString path = QStringLiteral("/api_task_deadline_request");
+        QVERIFY(standIn.waitForRequests(path, 1, patience));
+        const QUrlQuery query(standIn.requests(path).first().query);
+        QCOMPARE(query.queryItemValue(QStringLiteral("message"), QUrl::FullyDecoded),
+                 QStringLiteral("Waiting for 50% of texts & pictures"));
+        QCOMPARE(query.queryItemValue(QStringLiteral("dl_date")), QStringLiteral("2024-05-14"));
+        // The time of the form at rest.
+        QVERIFY(!query.hasQueryItem(QStringLiteral("dl_time")));
+    }
 
 private:
     /// Has the service asked now, as a user does, and not at the end of the minute.
@@ -48,236 +247,6 @@ private:
         return program.waitForGone(picker);
     }
 };
-
-void WindowsTest::changesAtService()
-{
-    QJsonObject data = StandIn::demoData();
-    StandIn standIn(data, SERVICE_PORT);
-    Home home;
-    home.signIn("1507", "48211", true);
-    // The user's browser.
-    home.addProgram("xdg-open", "echo \"$1\" >>\"$HOME/pages\"");
-    Program program(home);
-    program.start();
-    QVERIFY(home.waitForLog("Monitor started"));
-    // That the monitor runs again; it goes by itself. What is there at first raises none.
-    QVERIFY(program.waitForNotices(1));
-    QVERIFY(refresh(program));
-    QVERIFY(refresh(program));
-    QVERIFY(program.waitForNotices(0));
-
-    QJsonArray teams = data[QLatin1String("teams")].toArray();
-    QJsonArray tasks = teams.at(0)[QLatin1String("tasks")].toArray();
-    change(tasks, 0, QStringLiteral("last_comment"), QStringLiteral("+1m"));
-    change(tasks, 1, QStringLiteral("deadline"), QStringLiteral("+2d"));
-    // The last task goes, and another one comes.
-    change(tasks, 4, QStringLiteral("id"), QStringLiteral("48299"));
-    change(teams, 0, QStringLiteral("tasks"), tasks);
-    teams.append(QJsonObject{{QStringLiteral("id"), QStringLiteral("1700")},
-                             {QStringLiteral("name"), QStringLiteral("Новая команда")},
-                             {QStringLiteral("tasks"), QJsonArray()}});
-    data[QLatin1String("teams")] = teams;
-    standIn.setData(data);
-    QVERIFY(program.openTaskPicker());
-    // Comment, new task, removed task, deadline, team; the third and the fourth go by themselves.
-    QVector<QRect> stack;
-    QVERIFY(waitUntil([&] {
-        stack = program.notices();
-        return stack.size() == 5;
-    }));
-    Desktop::press("Escape");
-    QVERIFY(program.waitForGone(picker));
-    const QRect stripPlace = program.window(strip)->geometry;
-    for (int i = 0; i < stack.size(); ++i)
-        QCOMPARE(stack[i].bottomRight(), stripPlace.topRight() - QPoint(0, i * 100 + 1));
-    QVERIFY(program.waitForNotices(3));
-    QVERIFY(waitUntil([&] { return program.notices() == stack.mid(0, 3); }));
-    QCOMPARE(home.logged("Monitor stopped"), 0);
-
-    // The bell hides them and brings them back.
-    QVERIFY(program.click(strip, bell));
-    QVERIFY(program.waitForNotices(0));
-    QVERIFY(program.click(strip, bell));
-    QVERIFY(program.waitForNotices(3));
-    QCOMPARE(program.notices(), stack.mid(0, 3));
-
-    // The lowest leads to its task, and the others come down.
-    Desktop::click(stack.first().center());
-    QVERIFY(program.waitForNotices(2));
-    QVERIFY(waitUntil([&] { return program.notices() == stack.mid(0, 2); }));
-    const QString pages = QDir(home.path()).filePath(QStringLiteral("pages"));
-    QVERIFY(waitUntil([&] { return content(pages).endsWith('\n'); }));
-    QCOMPARE(QString::fromUtf8(content(pages)), standIn.url() + QStringLiteral("/task?id=48211\n"));
-
-    // A blocking task leaves no other to work on.
-    change(tasks, 3, QStringLiteral("block"), QStringLiteral("1"));
-    change(teams, 0, QStringLiteral("tasks"), tasks);
-    data[QLatin1String("teams")] = teams;
-    standIn.setData(data);
-    QVERIFY(refresh(program));
-    QVERIFY(program.waitForNotices(3));
-    QVERIFY(home.waitForLog("Monitor stopped"));
-    QVERIFY(program.click(strip, playButton));
-    QVERIFY(refresh(program));
-    QCOMPARE(home.logged("Monitor started"), 1);
-}
-
-void WindowsTest::hideAndShowAll()
-{
-    StandIn standIn(StandIn::demoData(), SERVICE_PORT);
-    Home home;
-    home.signIn("1623", "50107", false);
-    Program program(home);
-    program.start();
-    QVERIFY(home.waitForLog("Teams and tasks data: "));
-    QVERIFY(program.click(strip, tasksWord));
-    QVERIFY(program.waitFor(taskList));
-
-    const auto isShown = [&] { return program.waitFor(strip) && program.waitFor(taskList); };
-    const auto isHidden = [&] {
-        return program.waitForGone(strip) && program.waitForGone(taskList);
-    };
-    const auto clickTray = [] {
-        for (const DesktopWindow& window : Desktop::windows()) {
-            if (window.title == QLatin1String("panel"))
-                Desktop::click(window.geometry.center());
-        }
-    };
-    QVERIFY(program.click(strip, {150, 60}));
-    QVERIFY(program.waitForActive(strip));
-    Desktop::press("Escape");
-    QVERIFY(isHidden());
-    clickTray();
-    QVERIFY(isShown());
-    clickTray();
-    QVERIFY(isHidden());
-    clickTray();
-    QVERIFY(isShown());
-    // The button in the corner.
-    QVERIFY(program.click(strip, {374, 10}));
-    QVERIFY(isHidden());
-    QVERIFY(program.isRunning());
-}
-
-void WindowsTest::accountAndExit()
-{
-    StandIn standIn(StandIn::demoData(), SERVICE_PORT);
-    Home home;
-    home.signIn("1507", "48215", true);
-    Program program(home);
-    program.start();
-    QVERIFY(home.waitForLog("Monitor started"));
-    QVERIFY(program.waitForNotices(1));
-
-    QVERIFY(program.chooseFromMenu("Down Down Down Return"));
-    QVERIFY(program.waitForActive(signIn));
-    QCOMPARE(home.logged("Monitor stopped"), 1);
-    Desktop::press("ctrl+a");
-    Desktop::type("anna@example.com");
-    Desktop::press("Tab");
-    Desktop::type("demo");
-    Desktop::press("Return");
-    QVERIFY(home.waitForLog("Login as  \"anna@example.com\""));
-    QVERIFY(program.waitForGone(signIn));
-    QVERIFY(program.isRunning());
-    const auto taskOf = [&](const char* sessionFile) {
-        return Home::value(home.file(sessionFile), "taskID").toString();
-    };
-    QCOMPARE(taskOf("demo@example.com/session.ini"), QStringLiteral("48215"));
-
-    // Her first task, by the keyboard.
-    QVERIFY(program.openTaskPicker());
-    Desktop::press("Return");
-    QVERIFY(program.waitForGone(picker));
-    QVERIFY(program.click(strip, playButton));
-    QVERIFY(home.waitForLog("Monitor started", 2));
-    QVERIFY(program.chooseFromMenu("Up Return"));
-    QCOMPARE(program.waitForExit(), 0);
-    QVERIFY(home.log().endsWith(": Exit TessaPort Team Monitor OK\n"));
-    QCOMPARE(taskOf("anna@example.com/session.ini"), QStringLiteral("48211"));
-
-    program.start();
-    QVERIFY(program.waitForNotices(1));
-    QCOMPARE(home.logged("Monitor started"), 3);
-    QVERIFY(!program.window(signIn));
-}
-
-void WindowsTest::panels()
-{
-    StandIn standIn(StandIn::demoData(), SERVICE_PORT);
-    Home home;
-    home.signIn("", "", false);
-    Program program(home);
-    program.start();
-    QVERIFY(program.waitFor(strip));
-    // The second team; its one task to choose from is the blocking one.
-    QVERIFY(program.openTaskPicker());
-    Desktop::press("Down Return");
-    QVERIFY(program.waitForGone(picker));
-
-    QVERIFY(program.click(strip, tasksWord));
-    const QPoint firstRow(330, 53);
-    const QPoint secondRow(330, 79);
-    QVERIFY(program.click(taskList, firstRow));
-    QVERIFY(program.waitFor(description));
-    const QString first = program.window(description)->id;
-
-    // All three are there to be used at the same time.
-    QVERIFY(program.click(taskList, secondRow));
-    QVERIFY(waitUntil([&] {
-        const auto shown = program.window(description);
-        return shown && shown->id != first;
-    }));
-    const QRect word(258, 8, 60, 20);
-    const QImage today = program.picture(strip, word);
-    for (const bool isOther : {true, false}) {
-        QVERIFY(program.click(strip, word.center()));
-        // Away again, or a tool tip covers the word.
-        Desktop::movePointer({300, 300});
-        QVERIFY(waitUntil([&] { return (program.picture(strip, word) != today) == isOther; }));
-    }
-    QVERIFY(program.window(taskList) && program.window(description));
-
-    QVERIFY(program.click(taskList, secondRow));
-    QVERIFY(program.waitForGone(description));
-    QVERIFY(program.click(taskList, secondRow));
-    QVERIFY(program.waitFor(description));
-    QVERIFY(program.click(strip, tasksWord));
-    QVERIFY(program.waitForGone(description));
-    QVERIFY(program.waitForGone(taskList));
-}
-
-void WindowsTest::laterDeadline()
-{
-    StandIn standIn(StandIn::demoData(), SERVICE_PORT);
-    Home home;
-    home.signIn("1507", "48211", false);
-    Program program(home);
-    program.start();
-    QVERIFY(program.click(strip, {374, 40}));
-    const QString dialog = QStringLiteral("Запрос на продление задачи");
-    const QPoint ok(57, 337);
-    QVERIFY(program.click(dialog, ok));
-    // Asks for a reason and stays.
-    QVERIFY(program.waitForNotices(1));
-    QVERIFY(program.click(dialog, {100, 270}));
-    QVERIFY(program.waitForActive(dialog));
-    Desktop::type("Waiting for 50% of texts & pictures");
-    QVERIFY(program.click(dialog, ok));
-    QVERIFY(program.waitForGone(dialog));
-    const QString path = QStringLiteral("/api_task_deadline_request");
-    QVERIFY(standIn.waitForRequests(path, 1, patience));
-    // The time of the form at rest is not sent.
-    const QUrlQuery query(standIn.requests(path).first().query);
-    const QList<QPair<QString, QString>> expected{
-        {QStringLiteral("login"), QStringLiteral("demo@example.com")},
-        {QStringLiteral("password"), QStringLiteral("demo")},
-        {QStringLiteral("task_id"), QStringLiteral("48211")},
-        {QStringLiteral("dl_date"), QStringLiteral("2024-05-14")},
-        {QStringLiteral("message"), QStringLiteral("Waiting for 50% of texts & pictures")}};
-    QCOMPARE(query.queryItems(QUrl::FullyDecoded), expected);
-    QVERIFY(home.waitForLog("Request for deadline change: "));
-}
 
 TESSAPORT_TEST_MAIN(WindowsTest, QGuiApplication)
 
