@@ -100,11 +100,14 @@ void DesktopTest::hotKeysRefused()
     QVERIFY(probe.waitForReadyRead());
     QCOMPARE(probe.readAllStandardOutput().trimmed(), QByteArray("held"));
     QxtGlobalShortcut holder(m_otherKeys);
-    for (const QKeySequence& keys :
-         {m_keys, m_otherKeys, QKeySequence(Qt::CTRL | Qt::Key_Eacute), QKeySequence()}) {
+    QVector<QKeySequence> refused{m_keys, m_otherKeys};
+#ifndef Q_OS_WIN // It lets a program have keys that there are not.
+    refused << QKeySequence(Qt::CTRL | Qt::Key_Eacute) << QKeySequence();
+#endif
+    for (const QKeySequence& keys : qAsConst(refused)) {
         QxtGlobalShortcut shortcut;
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("to register")));
-        QVERIFY(!shortcut.setShortcut(keys));
+        QVERIFY2(!shortcut.setShortcut(keys), qPrintable(keys.toString()));
         QCOMPARE(shortcut.shortcut(), keys);
         if (!keys.isEmpty())
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("to unregister")));

@@ -51,7 +51,8 @@ private slots:
     {
         LoginForm form(&m_service);
         form.show();
-        QVERIFY(QTest::qWaitForWindowActive(&form));
+        // A window manager may keep the keyboard from Wine's windows.
+        QApplication::setActiveWindow(&form);
         type("", Qt::Key_Return);
         QCOMPARE(labelText(form, "lbInfo"), QStringLiteral("Введите e-mail"));
         // A blank is not trimmed away.

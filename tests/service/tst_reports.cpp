@@ -43,6 +43,8 @@ private slots:
         QFile file(directory().filePath(waiting().value(0)));
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QByteArray content = file.readAll();
+        // On Windows nobody else can remove it meanwhile.
+        file.close();
         const QString form = QStringLiteral(
             R"(\{"api-url":"%1/api_active2","body":\{"active":"7","email":"demo@example.com",)"
             R"("past":"0","task_id":"я&5","team_id":"17","version":"1.1.0"\},)"
