@@ -9,8 +9,8 @@
 #include <windows.h>
 
 // A picture of all monitors by the Windows GDI alone, ready to take the place of the grab through
-// Qt. Every operation here fails by throwing std::runtime_error and only so; what was made until
-// then is freed.
+// Qt. Where the system refuses, an operation throws std::runtime_error; what was made until then is
+// freed.
 
 struct DeviceContextDeleter {
     void operator()(HDC context) const { DeleteDC(context); }

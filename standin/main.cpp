@@ -94,6 +94,8 @@ std::unique_ptr<httplib::SSLServer> makeServer(const Certificate& certificate, S
         std::make_unique<httplib::SSLServer>(certificate.certificate.get(), certificate.key.get());
     if (!server->is_valid())
         throw std::runtime_error("OpenSSL does not take the certificate");
+    // What services of today ask for.
+    SSL_CTX_set_min_proto_version(server->ssl_context(), TLS1_2_VERSION);
     // The library's default lets two programs share a port and its requests.
     server->set_socket_options([](socket_t socket) {
         const int on = 1;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/LastInput.h"
 
-#include <QDebug>
-
 #include <windows.h>
 
 namespace platform {
@@ -11,12 +9,7 @@ quint32 lastInputTick()
 {
     // Kept from call to call, so that a failing query looks like no input.
     static LASTINPUTINFO info = {8, 0};
-    static bool failureLogged = false;
-
-    if (!GetLastInputInfo(&info) && !failureLogged) {
-        failureLogged = true;
-        qWarning("LastInput: the system can't tell of input; nobody will seem active");
-    }
+    GetLastInputInfo(&info);
     return info.dwTime;
 }
 

@@ -62,8 +62,7 @@ void PlatformTest::runningByExactName()
         process.start(path, QStringList());
         QVERIFY(process.waitForStarted());
         QVERIFY(platform::isProcessRunning(name));
-        for (const QString& other :
-             {name.toUpper(), name.left(13), name.mid(1), name + name})
+        for (const QString& other : {name.toUpper(), name.left(13), name.mid(1), name + name})
             QVERIFY2(!platform::isProcessRunning(other), qPrintable(other));
         // Where the system lets a program be removed, it runs on.
         QFile::remove(path);
