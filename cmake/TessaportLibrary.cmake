@@ -37,7 +37,10 @@ function(tessaport_library name)
     endforeach()
 
     add_library(${name} STATIC ${LIB_HEADERS} ${LIB_SOURCES})
-    set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+    # Where Qt is static, its plugins are imported by the programs.
+    set_target_properties(${name} PROPERTIES
+        LINKER_LANGUAGE CXX
+        QT_NO_PLUGINS "${Qt5Gui_PLUGINS};${Qt5Network_PLUGINS};${Qt5Widgets_PLUGINS}")
     target_include_directories(${name} PUBLIC ${include_dir})
     target_link_libraries(${name} PUBLIC tessaport_options ${LIB_PUBLIC} PRIVATE ${LIB_PRIVATE})
 endfunction()
