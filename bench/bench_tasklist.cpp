@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dialogs/PanelFixture.h"
+#include "dialogs/TaskListForm.h"
+#include "res/Resources.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+
+namespace {
+
+const QString title = QStringLiteral("Сверстать карточку товара");
+
+/// From nothing to the last pixel.
+void open(QWidget& window)
+{
+    window.show();
+    QCoreApplication::processEvents();
+    window.grab();
+}
+
+/// The same rows in a plain list, without any style sheet.
+void openPlainList(benchmark::State& state)
+{
+    for (auto _ : state) {
+        QListWidget list;
+        list.resize(360, 480);
+        for (int i = 0; i < state.range(0); ++i) {
+            const auto row = new QWidget(list.viewport());
+            const auto layout = new QHBoxLayout(row);
+            layout->addWidget(new QLabel(title, row));
+            layout->addWidget(new QPushButton(title, row));
+            const auto item = new QListWidgetItem(&list);
+            list.setItemWidget(item, row);
+            item->setSizeHint(row->sizeHint());
+        }
+        open(list);
+    }
+}
+BENCHMARK(openPlainList)->Arg(500)->Unit(benchmark::kMillisecond);
+
+void openTaskList(benchmark::State& state)
+{
+    SignedInService service;
+    service.setNoSave(true);
+    QuietMainForm mainForm(&service);
+    QList<Task> tasks;
+    for (int i = 0; i < state.range(0); ++i) {
+        Task task;
+        task.id = QString::number(i + 1);
+        task.title = title;
+        tasks.append(task);
+    }
+    const QString team = QStringLiteral("2");
+    service.session()->setTeams({{QStringLiteral("1"), QStringLiteral("Первая")}, {team, team}});
+    service.session()->setTasks(tasks, team);
+    for (auto _ : state) {
+        TaskListForm form(&service, &mainForm, &mainForm);
+        emit service.teamChanged(team);
+        open(form);
+    }
+}
+BENCHMARK(openTaskList)->Arg(0)->Arg(50)->Arg(500)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    benchmark::Initialize(&argc, argv);
+    QApplication application(argc, argv);
+    initResources();
+    installPalette();
+    installFonts();
+    QFile styleSheet(QStringLiteral(":/qss/main.qss"));
+    styleSheet.open(QIODevice::ReadOnly);
+    application.setStyleSheet(QString::fromUtf8(styleSheet.readAll()));
+    benchmark::RunSpecifiedBenchmarks();
+}
