@@ -2,6 +2,7 @@
 #include "dialogs/PanelFixture.h"
 #include "dialogs/TaskListForm.h"
 #include "res/Resources.h"
+#include "support/TestMain.h"
 
 #include <benchmark/benchmark.h>
 
@@ -70,6 +71,7 @@ BENCHMARK(openTaskList)->Arg(0)->Arg(50)->Arg(500)->Unit(benchmark::kMillisecond
 int main(int argc, char* argv[])
 {
     benchmark::Initialize(&argc, argv);
+    TestHome home;
     QApplication application(argc, argv);
     initResources();
     installPalette();

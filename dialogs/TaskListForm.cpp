@@ -2,7 +2,7 @@
 #include "dialogs/TaskListForm.h"
 
 #include "RowList.h"
-#include "dialogs/ElidedText.h"
+#include "dialogs/ElidedLabel.h"
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/TaskDescriptionForm.h"
 #include "mainwindow/AbstractMainForm.h"

@@ -20,6 +20,7 @@ namespace {
 /// Types into the widget that has the focus.
 void type(const char* text, Qt::Key last)
 {
+    QVERIFY(QApplication::focusWidget());
     QTest::keyClicks(QApplication::focusWidget(), QLatin1String(text));
     QTest::keyClick(QApplication::focusWidget(), last);
 }
@@ -115,7 +116,7 @@ private slots:
         QVERIFY(!form.isVisible());
 
         form.show();
-        QVERIFY(QTest::qWaitForWindowActive(&form));
+        QApplication::setActiveWindow(&form);
         form.findChild<QTimeEdit*>()->setFocus();
         type("930", Qt::Key_Tab);
         form.findChild<QPlainTextEdit*>()->setPlainText(QStringLiteral("\n  ill  "));

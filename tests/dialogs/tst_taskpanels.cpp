@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "PanelFixture.h"
 
+#include "dialogs/ElidedComboBox.h"
+#include "dialogs/ElidedLabel.h"
 #include "dialogs/ServiceTextBrowser.h"
 #include "dialogs/TaskDescriptionForm.h"
 #include "dialogs/TaskForm.h"
@@ -137,6 +139,39 @@ private slots:
         QCOMPARE(box("cbTask")->itemText(1), QStringLiteral("Б"));
     }
 
+    void longTextsEndWithinTheirRoom()
+    {
+        ElidedLabel label;
+        ElidedComboBox box;
+        QPixmap icon(16, 16);
+        icon.fill(Qt::transparent);
+        box.addItem(QIcon(icon), QString());
+        const auto edge = [&](QWidget& widget) {
+            QStyleOptionComboBox option;
+            option.initFrom(&widget);
+            const int right = &widget == &box
+                ? box.style()
+                      ->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField,
+                                       &box)
+                      .right()
+                : widget.width() - 1;
+            return widget.grab({right, 4, 1, 10}).toImage();
+        };
+        for (int width = 150; width < 160; ++width) {
+            label.setFixedSize(width, 18);
+            box.setFixedSize(width, 22);
+            label.setText(QString());
+            box.setItemText(0, QString());
+            const QImage blank[] = {edge(label), edge(box)};
+            const QString text(60, QLatin1Char('M'));
+            label.setText(text);
+            box.setItemText(0, text);
+            QCOMPARE(edge(label), blank[0]);
+            QCOMPARE(edge(box), blank[1]);
+            QCOMPARE(label.text() + box.currentText(), text + text);
+        }
+    }
+
     void pickerRemembersTheTaskThatLeftAndNotTheTeam()
     {
         const QList<Task> tasks = session().tasks(QStringLiteral("2"));
@@ -259,8 +294,12 @@ private slots:
         QCOMPARE(child<QListWidget>("listAttachments")->count(), 0);
         QCOMPARE(text("lbTaskDeadline"), QStringLiteral("Истекает: "));
 
-        // Offline, what is cached.
+        // What is cached is for when the service can't be asked.
         session().setTaskInfo(bare.id, fullInfo());
+        session().setIsOnline(true);
+        m_description->requestUpdateTask(bare.id);
+        QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("0"));
+        session().setIsOnline(false);
         m_description->requestUpdateTask(bare.id);
         QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("2"));
     }

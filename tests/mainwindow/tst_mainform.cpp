@@ -219,6 +219,7 @@ private slots:
     void playButton()
     {
         const QRegularExpression url(QStringLiteral(R"(url\((.*?)\))"));
+        QVector<QImage> looks;
         for (const char* state : {"Pause_Online", "Play_Online", "Pause_Offline", "Play_Offline"}) {
             const QString name = QLatin1String(state);
             Strip strip(name.startsWith(QLatin1String("Pause")));
@@ -233,7 +234,12 @@ private slots:
             }
             const QString picture = QStringLiteral(":/images/pb%1_hovered_clicked.png").arg(name);
             QVERIFY2(pictures.contains(picture), state);
+            looks.append(strip.play->grab().toImage());
+            strip.play->setEnabled(false);
+            looks.append(strip.play->grab().toImage());
         }
+        for (const QImage& look : qAsConst(looks))
+            QCOMPARE(looks.count(look), 1);
     }
 
     void overdueTexts()

@@ -9,7 +9,8 @@
 
 namespace {
 
-/// The resources that the windows' code, forms and style sheet name as a whole.
+/// The resources that the windows' code, forms and style sheet name as a whole, and those that lie
+/// there for others.
 QSet<QString> namedResources()
 {
     const QRegularExpression name(QStringLiteral(R"(:/[\w/]+/[\w-]+\.\w+)"));
@@ -26,6 +27,14 @@ QSet<QString> namedResources()
             while (match.hasNext())
                 names.insert(match.next().captured());
         }
+    }
+    const QDir folder(QStringLiteral(TEST_SOURCE_DIR "/../../res"));
+    QDirIterator pictures(folder.path(), {QStringLiteral("*.png"), QStringLiteral("*.ico")},
+                          QDir::Files, QDirIterator::Subdirectories);
+    while (pictures.hasNext()) {
+        const QString path = folder.relativeFilePath(pictures.next());
+        if (!path.contains(QLatin1String("@2x")))
+            names.insert(QStringLiteral(":/") + path);
     }
     return names;
 }

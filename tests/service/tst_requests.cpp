@@ -161,6 +161,48 @@ private slots:
         QCOMPARE(standIn().requests(path).size(), 3);
     }
 
+    void laterDeadline()
+    {
+        const QPair<const char*, const char*> rows[] = {
+            {R"({"status":"ok","message":"m"})", "Запрос на продление задачи успешно отправлен"},
+            {R"({"status":"no","message":"m"})", "Ошибка переноса задачи:m"}};
+        for (const auto& [reply, notice] : rows) {
+            standIn().fail(QStringLiteral("/api_task_deadline_request"), QStringLiteral("answer"),
+                           1, 0, reply);
+            client().requestDeadline({2030, 1, 2}, QString(), {0, 0});
+            QTRY_COMPARE(noticed(), QString::fromUtf8(notice));
+            NotificationManager::instance()->closeAll();
+        }
+    }
+
+    void versions()
+    {
+        const struct {
+            const char* own;
+            const char* published;
+            bool isNewer;
+        } rows[] = {{"1.1.0", "1.1.0", false},
+                    {"1.1.0", "1.2", true},
+                    {"1.1.0", "", false},
+                    // As texts.
+                    {"1.10.0", "1.9.0", true},
+                    {"1.9.0", "1.10.0", false}};
+        UpdateState::instance()->init(&client());
+        for (const auto& row : rows) {
+            QCoreApplication::setApplicationVersion(QLatin1String(row.own));
+            const QByteArray file = QByteArray(R"([{"version":"%"}])").replace("%", row.published);
+            standIn().fail(QStringLiteral("/monitor/tpmc.version"), QStringLiteral("answer"), 1, 0,
+                           file);
+            QSignalSpy available(&client(), &TessaPort::updateAvailable);
+            client().requestVersion();
+            QVERIFY(available.wait());
+            QCOMPARE(available.first().first().toBool(), row.isNewer);
+            QCOMPARE(NotificationManager::instance()->hasNotifications(), row.isNewer);
+            NotificationManager::instance()->closeAll();
+        }
+        QCoreApplication::setApplicationVersion(QStringLiteral("1.1.0"));
+    }
+
     void timeSync()
     {
         const QString path = QStringLiteral("/api_get_active");
@@ -204,6 +246,18 @@ private slots:
         QTRY_COMPARE(onlineChanged.size(), 3);
         QCOMPARE(onlineChanged[0][0].toString(), QString());
         QCOMPARE(onlineChanged[2][0].toString(), QStringLiteral("Ошибка соединения. "));
+    }
+
+private:
+    /// The text of the notice on screen; empty when there is none.
+    static QString noticed()
+    {
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        for (const QWidget* window : windows) {
+            if (window->isVisible() && !window->accessibleName().isEmpty())
+                return window->accessibleName();
+        }
+        return QString();
     }
 };
 

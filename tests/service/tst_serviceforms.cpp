@@ -156,6 +156,7 @@ void ServiceFormsTest::taskInfo()
     QCOMPARE(text.text + text.title + text.minCount + text.task, QStringLiteral("xy3000z"));
     QCOMPARE(text.page, QUrl(QStringLiteral("http://a/b?c=d")));
     QCOMPARE(text.keywords[0].count + text.keywords[0].count2, QStringLiteral("12"));
+    QVERIFY(ServiceReply::taskInfo(5).id.isEmpty());
 }
 
 TESSAPORT_TEST_MAIN(ServiceFormsTest, QCoreApplication)

@@ -1,16 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dialogs/ElidedText.h"
+#include "dialogs/ElidedComboBox.h"
 
-#include <QAbstractItemView>
 #include <QStylePainter>
-
-void ElidedLabel::paintEvent(QPaintEvent*)
-{
-    QStylePainter painter(this);
-    const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
-    painter.drawItemText(contentsRect(), int(alignment()), palette(), isEnabled(), shown,
-                         foregroundRole());
-}
 
 void ElidedComboBox::paintEvent(QPaintEvent*)
 {
@@ -20,15 +11,14 @@ void ElidedComboBox::paintEvent(QPaintEvent*)
     initStyleOption(&option);
     painter.drawComplexControl(QStyle::CC_ComboBox, option);
 
-    // The style leaves this much behind an icon.
-    constexpr int iconGap = 4;
+    // A style sheet leaves this much behind an icon, the style beneath it less.
+    constexpr int iconGap = 6;
     int room =
         style()
             ->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this)
             .width();
     if (!option.currentIcon.isNull())
         room -= option.iconSize.width() + iconGap;
-    option.currentText =
-        option.fontMetrics.elidedText(option.currentText, view()->textElideMode(), room);
+    option.currentText = option.fontMetrics.elidedText(option.currentText, Qt::ElideMiddle, room);
     painter.drawControl(QStyle::CE_ComboBoxLabel, option);
 }
