@@ -29,15 +29,7 @@ if [ -e "$folder" ]; then
     exit 1
 fi
 
-missing=
-for tool in apt-get dpkg-source make perl g++ $target-g++-posix; do
-    command -v $tool >/dev/null || missing="$missing $tool"
-done
-if [ -n "$missing" ]; then
-    echo "Not installed:$missing" >&2
-    echo "apt-get install dpkg-dev make perl g++ g++-mingw-w64-x86-64-posix" >&2
-    exit 1
-fi
+"$(dirname "$0")/../../script/bootstrap" qt
 
 started=$(date +%s)
 echo "Building Qt $release for Windows into $folder. This takes about 40 minutes on two cores"
