@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "service/JsonCodec.h"
 
+#include <QSet>
+
 #include <algorithm>
 
 namespace {
@@ -80,6 +82,8 @@ private:
 
     const QChar* m_at;
     const QChar* const m_end;
+    /// Lists repeat the keys of their elements, which then share one text.
+    QSet<QString> m_keys;
     int m_depth = 0;
     bool m_success = true;
 };
@@ -195,7 +199,7 @@ QVariant Reader::readObject()
         }
 
         // On purpose without a look at the character that opens the key.
-        const QString key = readString().toString();
+        const QString key = *m_keys.insert(readString().toString());
         if (!m_success)
             return QVariantMap();
         if (peekToken() != TokenColon) {
@@ -246,7 +250,11 @@ QVariant Reader::readString()
         if (!quote || quote < m_at)
             quote = find(QLatin1Char('"'), m_at, m_end);
         const QChar* const backslash = find(QLatin1Char('\\'), m_at, quote);
-        result.append(m_at, int(backslash - m_at));
+        // Most texts have no escape, and no room to grow is left behind them.
+        if (result.isEmpty())
+            result = QString(m_at, int(backslash - m_at));
+        else
+            result.append(m_at, int(backslash - m_at));
         m_at = backslash;
         if (m_at == m_end)
             return fail();
