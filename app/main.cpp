@@ -33,6 +33,9 @@ void applyStyleSheet(QFile& file)
     file.open(QIODevice::ReadOnly);
     // As far as the first NUL byte.
     qApp->setStyleSheet(QString::fromUtf8(file.readAll().constData()));
+    // The sheet comes with a style of its own, which brings the system's fonts back for menus,
+    // lists and tool tips.
+    QApplication::setFont(QApplication::font());
 }
 
 void tellOfOtherInstance()

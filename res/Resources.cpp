@@ -39,6 +39,8 @@ void installFonts()
         return;
     QFont font(family);
     font.setPixelSize(fontPixelSize);
+    // Its outlines are not made for two colours, which Windows may be set to.
+    font.setStyleStrategy(QFont::PreferAntialias);
     QApplication::setFont(font);
 }
 
