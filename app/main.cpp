@@ -116,7 +116,6 @@ int main(int argc, char* argv[])
     application.setMainForm(&mainForm);
     mainForm.show();
     if (tessaPort.session()->active())
-        NotificationManager::instance()->show(QStringLiteral("Запись активности включена"),
-                                              PlainNotification, QString());
+        NotificationManager::instance()->showPlain(QStringLiteral("Запись активности включена"));
     return QApplication::exec();
 }

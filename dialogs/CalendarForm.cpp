@@ -73,8 +73,7 @@ void CalendarForm::accept()
 {
     qDebug() << "CalendarForm accept";
     if (m_ui->reasonTextEdit->toPlainText().trimmed().isEmpty()) {
-        NotificationManager::instance()->show(QStringLiteral("Введите причину переноса!"),
-                                              PlainNotification, QString());
+        NotificationManager::instance()->showPlain(QStringLiteral("Введите причину переноса!"));
         return;
     }
     QDialog::accept();

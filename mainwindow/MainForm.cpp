@@ -39,8 +39,8 @@ MainForm::MainForm(TessaPort* service, QWidget* parent)
     NotificationManager::instance()->setMainForm(this);
     onTaskChange();
     if (m_tessaPort->session()->taskID().isEmpty())
-        NotificationManager::instance()->show(QStringLiteral("Выберите задачу для начала работы."),
-                                              PlainNotification, QString());
+        NotificationManager::instance()->showPlain(
+            QStringLiteral("Выберите задачу для начала работы."));
 
     auto* escape = new QShortcut(QKeySequence(QStringLiteral("Esc")), this);
     escape->setContext(Qt::WindowShortcut);

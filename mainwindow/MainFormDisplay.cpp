@@ -241,11 +241,10 @@ void MainForm::updateOnlineState(QString message)
     const bool isOnline = m_tessaPort->session()->isOnline();
     qDebug() << "Online state is " << isOnline;
     updatePlayButton();
-    NotificationManager::instance()->show(message
-                                              + (isOnline
-                                                     ? QStringLiteral("Переход в онлайн-режим.")
-                                                     : QStringLiteral("Переход в оффлайн-режим.")),
-                                          PlainNotification, QString());
+    NotificationManager::instance()->showPlain(
+        message
+        + (isOnline ? QStringLiteral("Переход в онлайн-режим.")
+                    : QStringLiteral("Переход в оффлайн-режим.")));
 }
 
 // --- Showing and hiding
@@ -317,9 +316,8 @@ void MainForm::on_pbTimeExtend_clicked()
 {
     const Session* session = m_tessaPort->session();
     if (session->taskID() == unassignedTaskId || session->teamID() == teamWithoutDeadlines) {
-        NotificationManager::instance()->show(
-            QStringLiteral("Для данной задачи невозможно выполнить перенос дедлайна."),
-            PlainNotification, QString());
+        NotificationManager::instance()->showPlain(
+            QStringLiteral("Для данной задачи невозможно выполнить перенос дедлайна."));
         return;
     }
     // A form that is cancelled stays, hidden, as long as this window does.

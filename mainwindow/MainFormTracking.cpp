@@ -194,8 +194,7 @@ void MainForm::closeTask(QString task_id)
     if (!wasRunning)
         return;
     session->setActive(false);
-    NotificationManager::instance()->show(QStringLiteral("Запись активности остановлена!"),
-                                          PlainNotification, QString());
+    NotificationManager::instance()->showPlain(QStringLiteral("Запись активности остановлена!"));
 }
 
 // --- What happens by itself
@@ -240,5 +239,5 @@ void MainForm::showActivityMessage()
         + QStringLiteral("\". Активное время за сегодня ")
         + durationText(session->todayActivetime()) + QStringLiteral(". Активное время по задаче ")
         + durationText(session->todayActiveTime(session->taskID())) + QStringLiteral(".");
-    NotificationManager::instance()->show(text, PlainNotification, QString());
+    NotificationManager::instance()->showPlain(text);
 }

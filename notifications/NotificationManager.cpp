@@ -49,6 +49,11 @@ void NotificationManager::show(const QString& message, int type, const QString& 
     QApplication::beep();
 }
 
+void NotificationManager::showPlain(const QString& message)
+{
+    show(message, PlainNotification, QString());
+}
+
 bool NotificationManager::hasNotifications() const
 {
     return !m_shownForms.isEmpty() || !m_pendingForms.isEmpty();

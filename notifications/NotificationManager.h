@@ -27,6 +27,8 @@ public:
     /// NotificationType; the message is for most types a title. A click on the notice leads to
     /// the task of this id; empty: nowhere.
     void show(const QString& message, int type, const QString& taskId);
+    /// The same for a notice that is its message, and that leads nowhere.
+    void showPlain(const QString& message);
 
     /// Whether any notice is on screen or waiting.
     bool hasNotifications() const;

@@ -95,10 +95,8 @@ void TessaPort::handleFailure(QNetworkReply* reply)
     qDebug() << "Reply finished:" << reply->error() << " - " << reply->errorString();
     switch (reply->property("stage").toInt()) {
     case DeadlineRequest:
-        NotificationManager::instance()->show(
-            QStringLiteral(
-                "Запрос на продление задачи не удалось отправить, повторите попытку позже."),
-            PlainNotification, QString());
+        NotificationManager::instance()->showPlain(QStringLiteral(
+            "Запрос на продление задачи не удалось отправить, повторите попытку позже."));
         break;
     case Details:
         // On purpose not the property that the request sets: no window is to take this for the

@@ -59,10 +59,8 @@ void TessaPort::sendScreenshot(const QImage& image)
     jpeg.open(QIODevice::WriteOnly);
     if (!image.save(&jpeg, "JPG", -1)) {
         qDebug("Error! Can't convert to JPG format!");
-        NotificationManager::instance()->show(
-            QStringLiteral(
-                "При отправке снимка экрана произошла ошибка. Обратитесь в техподдержку"),
-            PlainNotification, QString());
+        NotificationManager::instance()->showPlain(QStringLiteral(
+            "При отправке снимка экрана произошла ошибка. Обратитесь в техподдержку"));
         return;
     }
     QFile picture(dataDir().absoluteFilePath(
@@ -144,9 +142,8 @@ void TessaPort::postReport(const QVariantMap& report, const QString& fileName)
             qDebug() << entry.key() << ": " << entry.value().toString();
         if (entry.key() == QLatin1String("fileName") && entry.value().toString().isEmpty()) {
             qDebug("Error! Screenshot is missed!");
-            NotificationManager::instance()->show(
-                QStringLiteral("Сделать снимок экрана не удалось. Свяжитесь с техподдержкой."),
-                PlainNotification, QString());
+            NotificationManager::instance()->showPlain(
+                QStringLiteral("Сделать снимок экрана не удалось. Свяжитесь с техподдержкой."));
         }
     }
 

@@ -20,11 +20,6 @@ QUrlQuery credentials(const Session& session)
     return query;
 }
 
-void showPlain(const QString& text)
-{
-    NotificationManager::instance()->show(text, PlainNotification, QString());
-}
-
 void logUrl(const QNetworkReply* reply)
 {
     qDebug() << reply->request().url().toString();
@@ -117,8 +112,8 @@ void TessaPort::handleTaskInfo(QNetworkReply* reply)
         logUrl(reply);
         // The words of the deadline's reply, on purpose.
         qDebug() << "Request for deadline change: " << data;
-        showPlain(QStringLiteral("Ошибка получения данных по задаче: ")
-                  + answer.message.toString());
+        NotificationManager::instance()->showPlain(
+            QStringLiteral("Ошибка получения данных по задаче: ") + answer.message.toString());
         return;
     }
     const TaskInfo info = ServiceReply::taskInfo(answer.message);
@@ -152,8 +147,9 @@ void TessaPort::handleDeadlineReply(QNetworkReply* reply)
     if (!answer.ok)
         logUrl(reply);
     qDebug() << "Request for deadline change: " << data;
-    showPlain(answer.ok ? QStringLiteral("Запрос на продление задачи успешно отправлен")
-                        : QStringLiteral("Ошибка переноса задачи:") + answer.message.toString());
+    NotificationManager::instance()->showPlain(
+        answer.ok ? QStringLiteral("Запрос на продление задачи успешно отправлен")
+                  : QStringLiteral("Ошибка переноса задачи:") + answer.message.toString());
 }
 
 // --- Time

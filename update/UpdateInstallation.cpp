@@ -20,8 +20,8 @@ void UpdateState::installUpdate()
 
     if (QFile::copy(drop, installed)) {
         QFile::remove(drop);
-        NotificationManager::instance()->show(QStringLiteral("Обновление успешно установлено"),
-                                              PlainNotification, QString());
+        NotificationManager::instance()->showPlain(
+            QStringLiteral("Обновление успешно установлено"));
         return;
     }
 
