@@ -3,7 +3,6 @@
 #include "ui_NotificationForm.h"
 
 #include "mainwindow/AbstractMainForm.h"
-#include "notifications/NotificationType.h"
 #include "res/Resources.h"
 #include "service/ServiceAddress.h"
 #include "update/ElevatedStart.h"
@@ -25,9 +24,8 @@ NotificationForm::NotificationForm(const QString& message, int type, const QStri
                                    AbstractMainForm* mainForm, QWidget* parent)
     : QDialog(parent)
     , m_ui(std::make_unique<Ui::NotificationForm>())
-    , m_type(type)
+    , m_notice{message, type, taskId}
     , m_mainForm(mainForm)
-    , m_taskId(taskId)
     , m_background(picture(QStringLiteral(":/images/bg_notifications_withLogo.png")))
 {
     setAttribute(Qt::WA_ShowWithoutActivating);
@@ -75,17 +73,28 @@ QRect NotificationForm::availableGeometry() const
     return QApplication::desktop()->availableGeometry(this);
 }
 
+QPoint NotificationForm::placeOf(int slot) const
+{
+    const QRect available = availableGeometry();
+    const int mainFormHeight = m_mainForm && m_mainForm->isVisible() ? m_mainForm->height() : 0;
+    return {available.right() - width(),
+            available.bottom() - (slot + 1) * height() - mainFormHeight};
+}
+
+void NotificationForm::setMainForm(AbstractMainForm* mainForm)
+{
+    m_mainForm = mainForm;
+}
+
 void NotificationForm::placeInSlot(int slot)
 {
     m_slot = slot;
-    const QRect available = availableGeometry();
-    const int mainFormHeight = m_mainForm && m_mainForm->isVisible() ? m_mainForm->height() : 0;
-    move(available.right() - width(), available.bottom() - (slot + 1) * height() - mainFormHeight);
+    move(placeOf(slot));
 }
 
-bool NotificationForm::fitsOnScreen() const
+bool NotificationForm::fitsInSlot(int slot) const
 {
-    return geometry().top() >= 0 && geometry().bottom() <= availableGeometry().bottom();
+    return placeOf(slot).y() >= availableGeometry().top();
 }
 
 void NotificationForm::fadeOut()
@@ -138,14 +147,14 @@ void NotificationForm::paintEvent(QPaintEvent* event)
 void NotificationForm::showEvent(QShowEvent* event)
 {
     centreText();
-    if (closesByItself(m_type))
+    if (closesByItself(type()))
         m_timer.start();
     QDialog::showEvent(event);
 }
 
 void NotificationForm::hideEvent(QHideEvent* event)
 {
-    if (closesByItself(m_type))
+    if (closesByItself(type()))
         m_timer.stop();
     QDialog::hideEvent(event);
 }
@@ -166,9 +175,9 @@ bool NotificationForm::eventFilter(QObject* object, QEvent* event)
 {
     if (object == this && event->type() == QEvent::MouseButtonPress) {
         const auto* click = static_cast<QMouseEvent*>(event);
-        if (!m_closing && leadsToTask(m_type) && click->button() == Qt::LeftButton
-            && !m_taskId.isEmpty())
-            ServiceAddress::openTaskPage(m_taskId);
+        if (!m_closing && leadsToTask(type()) && click->button() == Qt::LeftButton
+            && !m_notice.taskId.isEmpty())
+            ServiceAddress::openTaskPage(m_notice.taskId);
         fadeOut();
     }
     return QDialog::eventFilter(object, event);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "notifications/NotificationType.h"
+
 #include <QDialog>
 #include <QPixmap>
 #include <QPointer>
@@ -27,15 +29,19 @@ public:
                      AbstractMainForm* mainForm, QWidget* parent = nullptr);
     ~NotificationForm() override;
 
-    int type() const { return m_type; }
+    int type() const { return m_notice.type; }
+    /// What it was made of; enough to make it again.
+    const Notice& notice() const { return m_notice; }
     /// The place last given by placeInSlot(), counted from 0 at the bottom.
     int slot() const { return m_slot; }
     /// Whether the notice is fading; it is gone soon.
     bool isClosing() const { return m_closing; }
 
+    /// From now on the notice stands above this one; null as for the constructor.
+    void setMainForm(AbstractMainForm* mainForm);
     void placeInSlot(int slot);
-    /// Whether the whole notice is above the lower end of the screen and not off its upper one.
-    bool fitsOnScreen() const;
+    /// Whether the available area of the screen is high enough for a whole notice in this place.
+    bool fitsInSlot(int slot) const;
     /// Fades and then emits notificationClosed(). Once under way, further calls do nothing.
     void fadeOut();
 
@@ -55,14 +61,14 @@ private slots:
 
 private:
     QRect availableGeometry() const;
+    QPoint placeOf(int slot) const;
     void centreText();
 
     std::unique_ptr<Ui::NotificationForm> m_ui;
-    const int m_type;
+    const Notice m_notice;
     QTimer m_timer;
-    const QPointer<AbstractMainForm> m_mainForm;
+    QPointer<AbstractMainForm> m_mainForm;
     bool m_closing = false;
-    const QString m_taskId;
     int m_slot = 0;
     const QPixmap m_background;
 };

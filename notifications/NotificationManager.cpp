@@ -9,13 +9,22 @@
 #include <algorithm>
 #include <utility>
 
+namespace {
+
+/// The notice as it waits; its window is hidden and deleted later.
+Notice withoutWindow(NotificationForm* form)
+{
+    form->hide();
+    form->deleteLater();
+    return form->notice();
+}
+
+} // namespace
+
 NotificationManager::NotificationManager()
 {
     // The manager outlives the application object, and no window may.
-    qAddPostRoutine([] {
-        instance()->closeAll();
-        qDeleteAll(std::exchange(instance()->m_pendingForms, {}));
-    });
+    qAddPostRoutine([] { instance()->closeAll(); });
 }
 
 NotificationManager::~NotificationManager() = default;
@@ -28,24 +37,26 @@ NotificationManager* NotificationManager::instance()
 
 void NotificationManager::setMainForm(AbstractMainForm* mainForm)
 {
+    if (m_mainForm)
+        m_mainForm->removeEventFilter(this);
     m_mainForm = mainForm;
+    if (m_mainForm)
+        m_mainForm->installEventFilter(this);
+    for (NotificationForm* form : qAsConst(m_shownForms))
+        form->setMainForm(mainForm);
+    placeAnew();
 }
 
 void NotificationManager::show(const QString& message, int type, const QString& taskId)
 {
     if (type == UpdateAvailable)
         removeUpdateNotices();
-
-    auto* form = new NotificationForm(message, type, taskId, m_mainForm);
-    connect(form, &NotificationForm::notificationClosed, this, &NotificationManager::hideForm);
-    form->placeInSlot(m_shownForms.size());
-    if (!form->fitsOnScreen()) {
-        m_pendingForms.append(form);
+    const Notice notice{message, type, taskId};
+    if (!hasRoom()) {
+        m_pendingNotices.append(notice);
         return;
     }
-    form->show();
-    m_shownForms.append(form);
-    updateAttention();
+    showForm(notice);
     QApplication::beep();
 }
 
@@ -56,7 +67,7 @@ void NotificationManager::showPlain(const QString& message)
 
 bool NotificationManager::hasNotifications() const
 {
-    return !m_shownForms.isEmpty() || !m_pendingForms.isEmpty();
+    return !m_shownForms.isEmpty() || !m_pendingNotices.isEmpty();
 }
 
 void NotificationManager::toggle()
@@ -72,16 +83,14 @@ void NotificationManager::hideShown()
     const auto firstToHide =
         std::stable_partition(m_shownForms.begin(), m_shownForms.end(),
                               [](const NotificationForm* form) { return form->isClosing(); });
-    for (auto form = firstToHide; form != m_shownForms.end(); ++form) {
-        (*form)->hide();
-        m_pendingForms.append(*form);
-    }
+    for (auto form = firstToHide; form != m_shownForms.end(); ++form)
+        m_pendingNotices.append(withoutWindow(*form));
     m_shownForms.erase(firstToHide, m_shownForms.end());
 }
 
 void NotificationManager::showPending()
 {
-    while (!m_pendingForms.isEmpty())
+    while (!m_pendingNotices.isEmpty() && hasRoom())
         showFirstPending();
 }
 
@@ -115,7 +124,7 @@ void NotificationManager::remove(NotificationForm* form)
         m_shownForms[i]->placeInSlot(i);
         m_shownForms[i]->repaint();
     }
-    if (!m_pendingForms.isEmpty())
+    if (!m_pendingNotices.isEmpty() && hasRoom())
         showFirstPending();
     if (m_shownForms.isEmpty())
         updateAttention();
@@ -124,25 +133,60 @@ void NotificationManager::remove(NotificationForm* form)
 
 void NotificationManager::removeUpdateNotices()
 {
-    // From the start each time: a removal may bring one that waited.
-    const auto isUpdateNotice = [](const NotificationForm* form) {
-        return form->type() == UpdateAvailable;
-    };
-    for (;;) {
-        const auto found = std::find_if(m_shownForms.cbegin(), m_shownForms.cend(), isUpdateNotice);
-        if (found == m_shownForms.cend())
-            return;
-        remove(*found);
+    // The waiting ones first, since a removal brings one that waits.
+    m_pendingNotices.erase(
+        std::remove_if(m_pendingNotices.begin(), m_pendingNotices.end(),
+                       [](const Notice& notice) { return notice.type == UpdateAvailable; }),
+        m_pendingNotices.end());
+    const QList<NotificationForm*> shown = m_shownForms;
+    for (NotificationForm* form : shown) {
+        if (form->type() == UpdateAvailable)
+            remove(form);
     }
 }
 
-void NotificationManager::showFirstPending()
+bool NotificationManager::hasRoom() const
 {
-    NotificationForm* form = m_pendingForms.takeFirst();
+    return m_shownForms.isEmpty() || m_shownForms.constFirst()->fitsInSlot(m_shownForms.size());
+}
+
+void NotificationManager::showForm(const Notice& notice)
+{
+    auto* form =
+        new NotificationForm(notice.message, notice.type, notice.taskId, m_mainForm.data());
+    connect(form, &NotificationForm::notificationClosed, this, &NotificationManager::hideForm);
     form->placeInSlot(m_shownForms.size());
     form->show();
     m_shownForms.append(form);
     updateAttention();
+}
+
+void NotificationManager::showFirstPending()
+{
+    showForm(m_pendingNotices.takeFirst());
+}
+
+bool NotificationManager::eventFilter(QObject* object, QEvent* event)
+{
+    if (event->type() == QEvent::Show || event->type() == QEvent::Hide)
+        placeAnew();
+    return QObject::eventFilter(object, event);
+}
+
+void NotificationManager::placeAnew()
+{
+    if (m_shownForms.isEmpty())
+        return;
+    for (int i = 0; i < m_shownForms.size(); ++i)
+        m_shownForms[i]->placeInSlot(i);
+    // The main form took, or gave, the room for one.
+    NotificationForm* const last = m_shownForms.constLast();
+    if (!last->isClosing() && m_shownForms.size() > 1 && !last->fitsInSlot(last->slot())) {
+        m_shownForms.removeLast();
+        m_pendingNotices.prepend(withoutWindow(last));
+    } else if (!m_pendingNotices.isEmpty() && hasRoom()) {
+        showFirstPending();
+    }
 }
 
 void NotificationManager::updateAttention()

@@ -18,6 +18,13 @@ enum NotificationType {
     BlockingTaskAdded = 10,
 };
 
+/// What there is to tell, before it has a window.
+struct Notice {
+    QString message; ///< for most types a title
+    int type = PlainNotification; ///< a NotificationType
+    QString taskId; ///< where a click leads; empty: nowhere
+};
+
 /// The text of a notice; a type that is not listed above counts as plain, which is the message
 /// as it is.
 QString notificationText(const QString& message, int type);
