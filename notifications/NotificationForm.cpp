@@ -16,6 +16,7 @@
 #include <QPainter>
 #include <QPropertyAnimation>
 #include <QTextFrame>
+#include <QWindow>
 
 #include <algorithm>
 #include <cmath>
@@ -134,6 +135,26 @@ void NotificationForm::onPbUpdateClicked()
     else
         runElevated(updateProgram, QString());
     fadeOut();
+}
+
+bool NotificationForm::event(QEvent* event)
+{
+    if (event->type() == QEvent::WindowBlocked)
+        standBeside(QGuiApplication::modalWindow());
+    return QDialog::event(event);
+}
+
+void NotificationForm::standBeside(QWindow* modal)
+{
+    // A modal window takes the clicks of all but those that belong to it. The keyboard stays with
+    // whoever types there.
+    QWindow* const window = windowHandle();
+    window->setTransientParent(modal);
+    const auto leaveKeyboard = [window](bool leave) {
+        window->setFlag(Qt::WindowDoesNotAcceptFocus, leave);
+    };
+    leaveKeyboard(true);
+    connect(modal, &QWindow::visibleChanged, window, leaveKeyboard);
 }
 
 void NotificationForm::paintEvent(QPaintEvent* event)

@@ -50,6 +50,7 @@ signals:
     void notificationClosed();
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
@@ -62,6 +63,7 @@ private slots:
 private:
     QRect availableGeometry() const;
     QPoint placeOf(int slot) const;
+    void standBeside(QWindow* modal);
     void centreText();
 
     std::unique_ptr<Ui::NotificationForm> m_ui;

@@ -14,6 +14,7 @@
 #include <QScreen>
 #include <QScrollBar>
 #include <QTextEdit>
+#include <QWindow>
 
 #include <algorithm>
 
@@ -198,15 +199,26 @@ private slots:
         }
     }
 
+    /// Typing goes on beside a notice, and clicks on it beside a window that has to be answered.
     void leavesKeyboardToItsUser()
     {
-        QLineEdit editor;
-        editor.setGeometry(300, 300, 400, 60);
-        editor.show();
-        QVERIFY(QTest::qWaitForWindowActive(&editor));
-        QVERIFY(QTest::qWaitForWindowExposed(show(QString(), UpdateAvailable)));
+        QDialog dialog;
+        dialog.setModal(true);
+        dialog.setGeometry(300, 300, 400, 60);
+        QLineEdit editor(&dialog);
+        NotificationForm* const before = show(QString(), TaskAdded);
+        QVERIFY(QTest::qWaitForWindowExposed(before));
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowActive(&dialog));
+        NotificationForm* const after = show(QString(), UpdateAvailable);
+        QVERIFY(QTest::qWaitForWindowExposed(after));
         RealInput::pressKeys(QKeySequence(Qt::Key_X));
         QTRY_COMPARE(editor.text(), QStringLiteral("x"));
+
+        QVERIFY(before->windowHandle()->flags().testFlag(Qt::WindowDoesNotAcceptFocus));
+        QTest::mouseClick(before->windowHandle(), Qt::LeftButton, {}, {90, 30});
+        QTest::mouseClick(after->windowHandle(), Qt::LeftButton, {}, {130, 78});
+        QVERIFY(before->isClosing() && after->isClosing());
     }
 
     void keepsWhatDoesNotFit()
