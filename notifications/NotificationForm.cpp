@@ -3,6 +3,7 @@
 #include "ui_NotificationForm.h"
 
 #include "mainwindow/AbstractMainForm.h"
+#include "platform/WindowSystem.h"
 #include "res/Resources.h"
 #include "service/ServiceAddress.h"
 #include "update/ElevatedStart.h"
@@ -103,6 +104,12 @@ void NotificationForm::fadeOut()
     if (m_closing)
         return;
     m_closing = true;
+    if (!platform::mixesTranslucentWindows()) {
+        // It would fade to black.
+        hide();
+        emit notificationClosed();
+        return;
+    }
     auto* effect = new QGraphicsOpacityEffect(this);
     effect->setOpacity(1.0);
     setGraphicsEffect(effect);

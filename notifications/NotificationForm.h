@@ -42,7 +42,8 @@ public:
     void placeInSlot(int slot);
     /// Whether the available area of the screen is high enough for a whole notice in this place.
     bool fitsInSlot(int slot) const;
-    /// Fades and then emits notificationClosed(). Once under way, further calls do nothing.
+    /// Fades and then emits notificationClosed(); where there is nothing to fade into, at once.
+    /// Once under way, further calls do nothing.
     void fadeOut();
 
 signals:
