@@ -2,6 +2,7 @@
 #include "app/Application.h"
 
 #include "app/WindowShapes.h"
+#include "platform/DisplayScale.h"
 #include "res/Resources.h"
 
 #include <QIcon>
@@ -9,15 +10,15 @@
 
 namespace {
 
-// Scaling can only be set before the base class starts up. The pictures are drawn for one and for
-// two pixels a unit; anything between blurs them, and rounded up it makes the task list outgrow a
-// small screen.
+// Scaling can only be set before the base class starts up. The factor counts as it is: rounded, the
+// fonts would outgrow the boxes that they stand in, or the task list a small screen.
 int& withDisplayScaling(int& argc)
 {
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
-        Qt::HighDpiScaleFactorRoundingPolicy::RoundPreferFloor);
+        platform::desktopTellsScale() ? Qt::HighDpiScaleFactorRoundingPolicy::PassThrough
+                                      : Qt::HighDpiScaleFactorRoundingPolicy::RoundPreferFloor);
     return argc;
 }
 

@@ -13,17 +13,16 @@ namespace {
 
 // The pixels that are as good as opaque, as the window paints itself now. The half transparent ones
 // at its corners would be dark dots.
-QBitmap panelShape(QWidget* window)
+QRegion panelShape(QWidget* window)
 {
     constexpr int opaque = 0xE0;
-    QImage image =
-        window->grab().toImage().scaled(window->size()).convertToFormat(QImage::Format_ARGB32);
+    QImage image = window->grab().toImage().convertToFormat(QImage::Format_ARGB32);
     for (int y = 0; y < image.height(); ++y) {
         const auto line = reinterpret_cast<QRgb*>(image.scanLine(y));
         std::replace_if(
             line, line + image.width(), [](QRgb pixel) { return qAlpha(pixel) < opaque; }, 0);
     }
-    return QBitmap::fromImage(image.createAlphaMask());
+    return QRegion(QBitmap::fromImage(image.createAlphaMask()));
 }
 
 } // namespace
@@ -40,9 +39,7 @@ bool WindowShapes::eventFilter(QObject* object, QEvent* event)
     const auto widget = static_cast<QWidget*>(object);
     if (!widget->isWindow() || !widget->testAttribute(Qt::WA_TranslucentBackground))
         return false;
-    if (platform::mixesTranslucentWindows())
-        widget->clearMask();
-    else
-        widget->setMask(panelShape(widget));
+    platform::cutWindow(widget->winId(),
+                        platform::mixesTranslucentWindows() ? QRegion() : panelShape(widget));
     return false;
 }

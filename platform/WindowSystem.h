@@ -3,6 +3,7 @@
 
 #include <QList>
 #include <QRect>
+#include <QRegion>
 #include <QString>
 #include <QtGui/qwindowdefs.h>
 
@@ -26,5 +27,10 @@ QRect desktopWindowGeometry(WId window);
 /// Whether the system mixes translucent windows with what is behind them. Without that (X11 without
 /// a compositing manager) what a window leaves transparent is black.
 bool mixesTranslucentWindows();
+
+/// Leaves of the window what lies in the region, in the system's own pixels from its corner; an
+/// empty region leaves it whole. The region of a QWidget has the units of a scaled screen and would
+/// miss the edge by a part of one. Without effect where the system mixes windows by itself.
+void cutWindow(WId window, const QRegion& pixels);
 
 } // namespace platform

@@ -7,6 +7,7 @@
 #include <QVector>
 #include <QX11Info>
 
+#include <xcb/shape.h>
 #include <xcb/xcb.h>
 
 #include <cstring>
@@ -108,6 +109,25 @@ QRect desktopWindowGeometry(WId window)
 bool mixesTranslucentWindows()
 {
     return !QX11Info::isPlatformX11() || QX11Info::isCompositingManagerRunning();
+}
+
+void cutWindow(WId window, const QRegion& pixels)
+{
+    xcb_connection_t* const connection = QX11Info::connection();
+    if (!connection)
+        return;
+    const auto id = xcb_window_t(window);
+    if (pixels.isEmpty()) {
+        xcb_shape_mask(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, id, 0, 0, XCB_NONE);
+        return;
+    }
+    QVector<xcb_rectangle_t> rectangles;
+    for (const QRect& part : pixels)
+        rectangles.append(
+            {qint16(part.x()), qint16(part.y()), quint16(part.width()), quint16(part.height())});
+    xcb_shape_rectangles(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
+                         XCB_CLIP_ORDERING_UNSORTED, id, 0, 0, quint32(rectangles.size()),
+                         rectangles.constData());
 }
 
 } // namespace platform

@@ -60,4 +60,6 @@ bool mixesTranslucentWindows()
     return true;
 }
 
+void cutWindow(WId, const QRegion&) { }
+
 } // namespace platform

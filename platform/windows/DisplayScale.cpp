@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/DisplayScale.h"
+
+bool platform::desktopTellsScale()
+{
+    return true;
+}
