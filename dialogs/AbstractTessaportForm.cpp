@@ -3,6 +3,7 @@
 
 #include "Panel.h"
 #include "dialogs/WindowPlace.h"
+#include "res/Resources.h"
 #include "ui_AbstractTessaportForm.h"
 
 #include <QEvent>

@@ -3,6 +3,7 @@
 
 #include "Panel.h"
 #include "dialogs/WindowPlace.h"
+#include "res/Resources.h"
 #include "service/TessaPort.h"
 #include "ui_LoginForm.h"
 

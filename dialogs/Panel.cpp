@@ -1,24 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Panel.h"
 
-#include "res/Resources.h"
-
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDesktopWidget>
 #include <QMouseEvent>
-#include <QPainter>
-
-QImage panelImage(const QString& resource)
-{
-    return picture(resource).toImage();
-}
-
-void paintPanel(QPainter& painter, const QImage& panel)
-{
-    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-    painter.drawImage(QRectF(painter.viewport()), panel, QRectF(panel.rect()));
-}
 
 void dragWindow(QWidget* window, QPoint& lastMousePos, QEvent* event)
 {

@@ -4,6 +4,7 @@
 #include "Panel.h"
 #include "dialogs/PlainToolTip.h"
 #include "mainwindow/AbstractMainForm.h"
+#include "res/Resources.h"
 #include "service/TessaPort.h"
 #include "ui_TaskForm.h"
 

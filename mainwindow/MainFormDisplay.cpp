@@ -40,7 +40,7 @@ void MainForm::setupWindow()
     m_ui->setupUi(this);
     m_ui->label->setPixmap(picture(QStringLiteral(":/images/logo.png")));
     setAttribute(Qt::WA_TranslucentBackground);
-    m_mainImage = picture(QStringLiteral(":/images/main.png")).toImage();
+    m_mainImage = panelImage(QStringLiteral(":/images/main.png"));
     setWindowFlags((windowFlags() & Qt::Dialog) | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint
                    | Qt::WindowStaysOnTopHint);
     const QRect available = QApplication::desktop()->availableGeometry(this);
@@ -108,8 +108,7 @@ void MainForm::paintEvent(QPaintEvent* event)
     AbstractMainForm::paintEvent(event);
     QPainter painter(this);
     painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.drawImage(QRectF(painter.viewport()), m_mainImage, QRectF(m_mainImage.rect()));
+    paintPanel(painter, m_mainImage);
     painter.restore();
 }
 

@@ -28,7 +28,7 @@ NotificationForm::NotificationForm(const QString& message, int type, const QStri
     , m_ui(std::make_unique<Ui::NotificationForm>())
     , m_notice{message, type, taskId}
     , m_mainForm(mainForm)
-    , m_background(picture(QStringLiteral(":/images/bg_notifications_withLogo.png")))
+    , m_background(panelImage(QStringLiteral(":/images/bg_notifications_withLogo.png")))
 {
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_TranslucentBackground);
@@ -168,8 +168,9 @@ void NotificationForm::paintEvent(QPaintEvent* event)
 {
     // The main window and the available area come and go without a word to this one.
     placeInSlot(m_slot);
-    QPainter(this).drawPixmap(rect(), m_background);
     QDialog::paintEvent(event);
+    QPainter painter(this);
+    paintPanel(painter, m_background);
 }
 
 void NotificationForm::showEvent(QShowEvent* event)

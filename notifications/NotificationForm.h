@@ -4,7 +4,7 @@
 #include "notifications/NotificationType.h"
 
 #include <QDialog>
-#include <QPixmap>
+#include <QImage>
 #include <QPointer>
 #include <QTimer>
 
@@ -73,5 +73,5 @@ private:
     QPointer<AbstractMainForm> m_mainForm;
     bool m_closing = false;
     int m_slot = 0;
-    const QPixmap m_background;
+    const QImage m_background;
 };

@@ -5,6 +5,7 @@
 #include <QDebug>
 #include <QFile>
 #include <QFontDatabase>
+#include <QPainter>
 #include <QPalette>
 #include <QStyleFactory>
 
@@ -79,4 +80,15 @@ QPixmap picture(const QString& resource)
             return QPixmap(twin);
     }
     return QPixmap(resource);
+}
+
+QImage panelImage(const QString& resource)
+{
+    return picture(resource).toImage();
+}
+
+void paintPanel(QPainter& painter, const QImage& panel)
+{
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter.drawImage(QRectF(painter.viewport()), panel, QRectF(panel.rect()));
 }

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QImage>
 #include <QPixmap>
+
+class QPainter;
 
 /// Makes the style sheet, the pictures and the fonts available as ":/qss/main.qss", ":/images/...",
 /// ":/icons/..." and ":/fonts/...". They are linked in with a static library, so nothing of them
@@ -21,3 +24,11 @@ void installPalette();
 /// size in the coordinates of widgets. A null pixmap when there is none. Icons and style sheets
 /// find the twin by themselves, QPixmap and QImage do not.
 QPixmap picture(const QString& resource);
+
+// What the frameless windows paint as their panel.
+
+/// The picture in the resolution of the sharpest screen; null when there is none of this name.
+QImage panelImage(const QString& resource);
+
+/// The whole picture, stretched to the painter's viewport.
+void paintPanel(QPainter& painter, const QImage& panel);
