@@ -4,6 +4,7 @@
 
 #include <QPoint>
 #include <QRandomGenerator>
+#include <QUrl>
 
 #include <limits>
 
@@ -41,8 +42,13 @@ void TestJsonCodec::reads()
         {"18446744073709551615", std::numeric_limits<qulonglong>::max()},
         {"18446744073709551616", QStringLiteral("18446744073709551616")},
         {"-2147483648", std::numeric_limits<int>::min()},
+        {"-9223372036854775808", std::numeric_limits<qlonglong>::min()},
+        {"-9223372036854775809", QStringLiteral("-9223372036854775809")},
+        {"-", QStringLiteral("-")},
+        {"12abc", 12u},
         {"1e5", QStringLiteral("1e5")},
-        {"1.5e3", 1500.0},
+        {"1.5E+3", 1500.0},
+        {"1500.0e-3", 1.5},
         {"1.2.3", 0.0},
         {R"("\"\\\/\b\f\n\r\t")", QStringLiteral("\"\\/\b\f\n\r\t")},
         {R"("a\qЖ\u0416\uD83D\ude00!")", QStringLiteral("aЖЖ😀!")},
@@ -59,6 +65,8 @@ void TestJsonCodec::reads()
         const QVariant data = JsonCodec::parse(QString::fromUtf8(json), success);
         QVERIFY2(success && data.userType() == expected.userType() && data == expected, json);
     }
+    bool success = false;
+    QVERIFY(!JsonCodec::parse(QString(), success).isValid() && success);
 }
 
 void TestJsonCodec::tellsBrokenText()
@@ -84,11 +92,19 @@ void TestJsonCodec::tellsBrokenText()
 void TestJsonCodec::readsDeepAndLongText()
 {
     constexpr int most = JsonCodec::maximumDepth;
-    const QString deepest = QStringLiteral("[").repeated(most) + QStringLiteral("]").repeated(most);
-    const QVariant data = JsonCodec::parse(deepest);
-    QCOMPARE(JsonCodec::serialize(data), deepest.toLatin1());
-    QVERIFY(JsonCodec::serialize(QVariantList{data}).isNull());
     bool success = true;
+    for (const auto& [open, close] : {std::pair("[", "]"), std::pair(R"({"a":)", "}")}) {
+        const QByteArray empty = QByteArray(1, *open) + close;
+        const QByteArray deepest =
+            QByteArray(open).repeated(most - 1) + empty + QByteArray(close).repeated(most - 1);
+        const QVariant data = JsonCodec::parse(QString::fromLatin1(deepest));
+        QCOMPARE(JsonCodec::serialize(data), deepest);
+        QVERIFY(JsonCodec::serialize(list({data})).isNull());
+        QVERIFY(JsonCodec::serialize(map({{a, data}})).isNull());
+        QVERIFY(JsonCodec::serialize(QVariantHash{{a, data}}).isNull());
+        JsonCodec::parse(QString::fromLatin1('[' + deepest + ']'), success);
+        QVERIFY(!success);
+    }
     JsonCodec::parse(QStringLiteral("{\"a\":").repeated(1000000), success);
     QVERIFY(!success);
     const QString escapes = QStringLiteral("\\n").repeated(1000000);
@@ -104,13 +120,20 @@ void TestJsonCodec::writes()
         {map({{b, 1}, {a, QVariant()}}), R"({"a":null,"b":1})"},
         {QVariantHash{{QStringLiteral("a\n"), true}}, R"({"a\n":true})"},
         {QStringLiteral("\\\"\b\f\n\r\t/\x01%1😀"), "\"\\\\\\\"\\b\\f\\n\\r\\t/\x01%1😀\""},
+        {QByteArray("Ж"), "\"Ж\""},
+        {QStringList{b, a}, R"(["b","a"])"},
         {1234567.0, "1.23457e+06"},
+        {3.0, "3.0"},
+        {-0.5, "-0.5"},
+        {false, "false"},
         {std::numeric_limits<double>::quiet_NaN(), "nan.0"},
         {2.6f, "3"},
         {std::numeric_limits<qulonglong>::max(), "18446744073709551615"},
         {std::numeric_limits<qlonglong>::min(), "-9223372036854775808"},
         {QChar(QLatin1Char('A')), "65"},
         {QDateTime({2020, 5, 12}, {8, 24, 59}), R"("Tue May 12 08:24:59 2020")"},
+        {QTime(8, 24, 59), R"("08:24:59.000")"},
+        {QUrl(QStringLiteral("https://localhost/?a=%D0%96")), R"("https://localhost/?a=Ж")"},
     };
     for (const auto& [data, expected] : rows)
         QCOMPARE(JsonCodec::serialize(data), QByteArray(expected));
@@ -128,15 +151,29 @@ void TestJsonCodec::refusesWhatCannotBeWritten()
 
 void TestJsonCodec::writesInChosenFormats()
 {
-    JsonCodec::setPrettyPrint(true);
-    JsonCodec::setDateFormat(QStringLiteral("dd.MM.yyyy"));
-    JsonCodec::setDateTimeFormat(QStringLiteral("hh:mm"));
     const QDateTime moment({2020, 5, 12}, {8, 24, 59});
-    const QByteArray text = JsonCodec::serialize(list({moment, moment.date()}));
+    JsonCodec::setDateFormat(QStringLiteral("dd.MM.yyyy"));
+    const QByteArray byDateFormat = JsonCodec::serialize(moment.date());
+    JsonCodec::setDateTimeFormat(QStringLiteral("hh:mm"));
+    JsonCodec::setPrettyPrint(true);
+    const QByteArray pretty = JsonCodec::serialize(
+        list({moment, moment.date(), map({{a, list({1, map({})})}, {b, list({})}})}));
     JsonCodec::setPrettyPrint(false);
     JsonCodec::setDateFormat(QString());
     JsonCodec::setDateTimeFormat(QString());
-    QCOMPARE(text, QByteArray("[\n    \"08:24\",\n    \"12.05.2020\"\n]"));
+
+    QCOMPARE(byDateFormat, QByteArray(R"("Tue May 12 2020")"));
+    QCOMPARE(pretty, QByteArray(R"([
+    "08:24",
+    "12.05.2020",
+    {
+        "a": [
+            1,
+            {}
+        ],
+        "b": []
+    }
+])"));
 }
 
 void TestJsonCodec::survivesRandomText()
