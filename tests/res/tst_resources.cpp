@@ -9,8 +9,8 @@
 
 namespace {
 
-/// The resources that the windows' code, forms and style sheet name as a whole, and those that lie
-/// there for others.
+/// The resources that the windows' code, forms and style sheet name as a whole, and all that there
+/// is a drawing of: some names are put together, and some are for others.
 QSet<QString> namedResources()
 {
     const QRegularExpression name(QStringLiteral(R"(:/[\w/]+/[\w-]+\.\w+)"));
@@ -28,13 +28,15 @@ QSet<QString> namedResources()
                 names.insert(match.next().captured());
         }
     }
-    const QDir folder(QStringLiteral(TEST_SOURCE_DIR "/../../res"));
-    QDirIterator pictures(folder.path(), {QStringLiteral("*.png"), QStringLiteral("*.ico")},
-                          QDir::Files, QDirIterator::Subdirectories);
-    while (pictures.hasNext()) {
-        const QString path = folder.relativeFilePath(pictures.next());
-        if (!path.contains(QLatin1String("@2x")))
-            names.insert(QStringLiteral(":/") + path);
+    const QDir folder(QStringLiteral(TEST_SOURCE_DIR "/../../art/svg"));
+    QDirIterator drawings(folder.path(), {QStringLiteral("*.svg")}, QDir::Files,
+                          QDirIterator::Subdirectories);
+    while (drawings.hasNext()) {
+        const QFileInfo file(folder.relativeFilePath(drawings.next()));
+        // The application's own icon is one file with all sizes.
+        const QString form =
+            file.baseName() == QLatin1String("64") ? QStringLiteral("ico") : QStringLiteral("png");
+        names.insert(QStringLiteral(":/%1/%2.%3").arg(file.path(), file.baseName(), form));
     }
     return names;
 }
@@ -55,8 +57,10 @@ private slots:
         qApp->setStyleSheet(QString::fromUtf8(file.readAll()));
     }
 
+    // On a scaled screen, too.
     void everyNameIsThereAndPicturesTwice()
     {
+        const int factor = qApp->devicePixelRatio() > 1 ? 2 : 1;
         const QSet<QString> names = namedResources();
         QVERIFY(names.size() > 60);
         for (QString path : names) {
@@ -64,6 +68,9 @@ private slots:
             if (!path.endsWith(QLatin1String(".png")))
                 continue;
             const QSize size = QImage(path).size();
+            const QPixmap shown = picture(path);
+            QVERIFY2(shown.size() == size * factor, qPrintable(path));
+            QVERIFY2(shown.devicePixelRatio() == factor, qPrintable(path));
             path.insert(path.size() - 4, QLatin1String("@2x"));
             QVERIFY2(!size.isEmpty() && QImage(path).size() == size * 2, qPrintable(path));
         }
