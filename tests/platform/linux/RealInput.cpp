@@ -20,6 +20,7 @@ void RealInput::movePointer()
 void RealInput::pressKeys(const QKeySequence& combination)
 {
     QString keys = combination.toString(QKeySequence::PortableText).toLower();
+    keys.replace(QLatin1String("meta"), QLatin1String("super"));
     keys.replace(QLatin1String("capslock"), QLatin1String("Caps_Lock"));
     keys.replace(QLatin1String("numlock"), QLatin1String("Num_Lock"));
     xdotool({QStringLiteral("key"), keys});

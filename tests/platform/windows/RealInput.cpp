@@ -26,6 +26,8 @@ void RealInput::pressKeys(const QKeySequence& combination)
         keys.prepend(VK_MENU);
     if (combination[0] & Qt::ShiftModifier)
         keys.prepend(VK_SHIFT);
+    if (combination[0] & Qt::MetaModifier)
+        keys.prepend(VK_LWIN);
     for (int i = 0; i < keys.size(); ++i)
         keybd_event(BYTE(keys[i]), 0, 0, 0);
     for (int i = keys.size() - 1; i >= 0; --i)
