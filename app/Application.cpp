@@ -22,12 +22,26 @@ int& withDisplayScaling(int& argc)
     return argc;
 }
 
+// What Qt would do by itself on some desktops, and what can only be forbidden beforehand as well.
+int& withoutDesktopHabits(int& argc)
+{
+    // The theme of a desktop may bring a font, which takes the place of the program's own.
+    QGuiApplication::setDesktopSettingsAware(false);
+    // The dead "?" that Windows puts into the title bars of dialogs.
+    QCoreApplication::setAttribute(Qt::AA_DisableWindowContextHelpButton);
+    // A session that is about to end may yet be called off: the windows stay as they are, and what
+    // is to be saved is saved when it does end.
+    QGuiApplication::setFallbackSessionManagementEnabled(false);
+    return argc;
+}
+
 } // namespace
 
 Application::Application(int& argc, char** argv)
-    : QApplication(withDisplayScaling(argc), argv)
+    : QApplication(withDisplayScaling(withoutDesktopHabits(argc)), argv)
 {
     initResources();
+    installTranslation();
     installPalette();
     // Behind the style, which comes with the palette: a new style brings the system's fonts back
     // for menus, lists and tool tips.

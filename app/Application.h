@@ -3,7 +3,8 @@
 
 #include <QApplication>
 
-/// The application object, with display scaling and the program's own fonts.
+/// The application object, with display scaling, the program's own fonts and Qt's texts in Russian,
+/// whatever the desktop is set to.
 class Application : public QApplication {
     Q_OBJECT
 

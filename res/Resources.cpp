@@ -8,6 +8,7 @@
 #include <QPainter>
 #include <QPalette>
 #include <QStyleFactory>
+#include <QTranslator>
 
 namespace {
 
@@ -30,6 +31,7 @@ void initResources()
 {
     Q_INIT_RESOURCE(resources);
     Q_INIT_RESOURCE(fonts);
+    Q_INIT_RESOURCE(translations);
 }
 
 void installFonts()
@@ -43,6 +45,14 @@ void installFonts()
     // Its outlines are not made for two colours, which Windows may be set to.
     font.setStyleStrategy(QFont::PreferAntialias);
     QApplication::setFont(font);
+}
+
+void installTranslation()
+{
+    auto* translator = new QTranslator(QCoreApplication::instance());
+    if (!translator->load(QStringLiteral(":/translations/qtbase_ru.qm")))
+        qWarning("The Russian texts of Qt can't be loaded");
+    QCoreApplication::installTranslator(translator);
 }
 
 void installPalette()

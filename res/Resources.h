@@ -6,15 +6,20 @@
 
 class QPainter;
 
-/// Makes the style sheet, the pictures and the fonts available as ":/qss/main.qss", ":/images/...",
-/// ":/icons/..." and ":/fonts/...". They are linked in with a static library, so nothing of them
-/// exists before this is called. Calling it again does no harm.
+/// Makes the style sheet, the pictures, the fonts and Qt's own texts available as ":/qss/main.qss",
+/// ":/images/...", ":/icons/...", ":/fonts/..." and ":/translations/...". They are linked in with a
+/// static library, so nothing of them exists before this is called. Calling it again does no harm.
 void initResources();
 
 /// Loads the two font resources and makes the regular one the font of the application, at the size
 /// the windows are drawn for. Needs a QApplication and initResources(). If the font can't be
 /// loaded, the log says so and the system's font stays.
 void installFonts();
+
+/// Has Qt's own texts, such as those in the menu of a text field, in Russian. Needs a
+/// QCoreApplication and initResources(). If the catalogue can't be loaded, the log says so and they
+/// are English.
+void installTranslation();
 
 /// Gives the application one style and one light palette, whatever the theme of the desktop, since
 /// the panels of the windows are light. Needs a QApplication.

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/Application.h"
 #include "app/Log.h"
-#include "app/WindowShapes.h"
 #include "platform/WindowSystem.h"
 #include "support/TestMain.h"
 
-#include <QApplication>
+#include <QDialog>
+#include <QFontInfo>
+#include <QLineEdit>
+#include <QMenu>
 #include <QPainter>
 #include <QScreen>
-#include <QWidget>
 
 namespace {
 
@@ -29,6 +31,28 @@ protected:
         QPainter painter(this);
         painter.fillRect(panel, Qt::white);
         painter.fillRect(shadow, QColor(0, 0, 0, 40));
+    }
+};
+
+/// The application on a desktop whose theme has a font of its own.
+class ThemedApplication : public Application {
+public:
+    ThemedApplication(int& argc, char** argv)
+        : Application(withTheme(argc), argv)
+    {
+    }
+
+private:
+    static int& withTheme(int& argc)
+    {
+        const QDir folder(QDir::home().filePath(QStringLiteral(".config/qt5ct")));
+        folder.mkpath(QStringLiteral("."));
+        QFile file(folder.filePath(QStringLiteral("qt5ct.conf")));
+        if (!file.open(QIODevice::WriteOnly)
+            || file.write("[Fonts]\ngeneral=\"DejaVu Serif,18,-1,5,50,0,0,0,0,0\"\n") < 0)
+            qFatal("can't write the theme's settings");
+        qputenv("QT_QPA_PLATFORMTHEME", "qt5ct");
+        return argc;
     }
 };
 
@@ -68,11 +92,20 @@ private slots:
         logFile.close();
     }
 
+    void whateverTheDesktop()
+    {
+        // That is when a theme gives its font.
+        QCoreApplication::processEvents();
+        QCOMPARE(QFontInfo(QLineEdit().font()).family(), QStringLiteral("PT Sans"));
+        QVERIFY(!QDialog().windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
+        QLineEdit field;
+        const std::unique_ptr<QMenu> menu(field.createStandardContextMenu());
+        QVERIFY(menu->actions().constFirst()->text().startsWith(QStringLiteral("&Отменить")));
+    }
+
     // Seen from outside: what is left of a window without mixing shows what is behind it.
     void aPanelKeepsItsShadowOnlyWhereWindowsAreMixed()
     {
-        WindowShapes shapes(nullptr);
-        qApp->installEventFilter(&shapes);
         QWidget backdrop;
         backdrop.setWindowFlags(Qt::Window | Qt::FramelessWindowHint);
         backdrop.setPalette(QPalette(Qt::green));
@@ -101,6 +134,6 @@ private:
     QTemporaryDir m_directory;
 };
 
-TESSAPORT_TEST_MAIN(ApplicationTest, QApplication)
+TESSAPORT_TEST_MAIN(ApplicationTest, ThemedApplication)
 
 #include "tst_application.moc"
