@@ -10,7 +10,8 @@ namespace platform {
 QString startupEntry(const QString& name);
 
 /// Makes the system start this program at the user's logon, replacing an entry of the same name.
-/// A failure is silent: the entry is then what it was.
+/// A failure is silent: the entry is then what it was. Once the program is removed, the entry
+/// starts nothing.
 void setStartupEntry(const QString& name, const QString& programPath);
 
 /// Takes the entry away; harmless when there is none.

@@ -138,8 +138,10 @@ void setStartupEntry(const QString& name, const QString& programPath)
     const QString entry = QStringLiteral("[Desktop Entry]\n"
                                          "Type=Application\n"
                                          "Name=%1\n"
-                                         "Exec=%2\n")
-                              .arg(escapedValue(name), escapedValue(commandLine(programPath)));
+                                         "TryExec=%2\n"
+                                         "Exec=%3\n")
+                              .arg(escapedValue(name), escapedValue(programPath),
+                                   escapedValue(commandLine(programPath)));
     file.write(entry.toUtf8());
     file.commit();
 }
