@@ -5,7 +5,8 @@
 #include <QTextStream>
 
 /// The log: every message of the program becomes a line of a plain text file, for people who read
-/// it afterwards, and a line on standard output. The file is not closed until the process ends.
+/// it afterwards, and a line on standard output. Who deletes the file closes it; else it stays open
+/// to the end of the process.
 extern QFile logFile;
 extern QTextStream logStream;
 extern QtMessageHandler previousMessageHandler;
@@ -17,5 +18,5 @@ constexpr qint64 largestLog = 104857600; // 100 MiB
 /// be opened the lines go to standard output alone.
 void openLog(const QString& path);
 
-/// The handler to be installed. Messages of level info and above fatal are dropped.
+/// The handler to be installed. Messages of level info are dropped.
 void logMessageHandler(QtMsgType type, const QMessageLogContext& context, const QString& message);

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/SingleInstance.h"
 
+#include "platform/CurrentUser.h"
+
 #include <QCoreApplication>
 #include <QSharedMemory>
 
 bool isSingleInstance()
 {
-    static QSharedMemory lock(QLatin1String("SingleAppLock") + QCoreApplication::applicationName());
-    // Asked again; on Windows another look would let go of the lock.
+    static QSharedMemory lock(QLatin1String("SingleAppLock") + QCoreApplication::applicationName()
+                              + platform::userMark());
+    // Asked again by the process that holds it: the lock is taken.
     if (lock.isAttached())
         return false;
     // A process that was killed leaves the segment behind; detaching as the last one removes it.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-/// Whether this process is the only one of the program. True from the first call on in the
-/// process that holds the lock, until that process ends.
+/// Takes the lock that a user's first copy of the program holds until its process ends. True when
+/// this call took it; false when somebody holds it, this process included.
 bool isSingleInstance();

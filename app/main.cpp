@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Application.h"
+#include "app/CommandLine.h"
 #include "app/Log.h"
 #include "app/SingleInstance.h"
 #include "capture/UserActivityWatcher.h"
 #include "dialogs/LoginForm.h"
 #include "mainwindow/MainForm.h"
 #include "notifications/NotificationManager.h"
+#include "platform/Console.h"
 #include "platform/Termination.h"
 #include "service/TessaPort.h"
 #include "update/ElevatedStart.h"
@@ -14,8 +16,6 @@
 #include <QDebug>
 #include <QFile>
 #include <QMessageBox>
-
-#include <cstring>
 
 namespace {
 
@@ -64,9 +64,12 @@ bool continuesWithoutActivity()
 
 int main(int argc, char* argv[])
 {
-    // Looked at before Qt takes its own options out of the arguments.
-    const bool cleans = argc > 1 && std::strcmp(argv[1], "--clean") == 0;
-    Application application(argc, argv);
+    CommandLine commandLine(argc, argv);
+    if (const auto answer = commandLine.answer()) {
+        platform::writeToConsole(*answer);
+        return 0;
+    }
+    Application application(commandLine.count(), commandLine.values());
     setIdentity();
     platform::watchTermination(&application, [] { QCoreApplication::quit(); });
 
@@ -90,7 +93,7 @@ int main(int argc, char* argv[])
     QFile styleSheet(QStringLiteral(":/qss/main.qss"));
     applyStyleSheet(styleSheet);
 
-    if (cleans) {
+    if (commandLine.cleans()) {
         logFile.close();
         // The directory may be a link to where the data are.
         tessaPort.removeDirectory(tessaPort.dataDir().canonicalPath());

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "capture/UserActivityWatcher.h"
 
+#include "platform/Display.h"
 #include "platform/LastInput.h"
 
 #include <QTimer>
@@ -45,6 +46,8 @@ UserActivityWatcher::~UserActivityWatcher()
 
 bool UserActivityWatcher::start()
 {
+    if (!platform::seesWholeDesktop())
+        return false;
     setProperty(lastEventTicksProperty, qint64(platform::lastInputTick()));
     if (auto* timer = qobject_cast<QTimer*>(property(timerProperty).value<QObject*>()))
         timer->start();

@@ -20,7 +20,9 @@ public:
     /// Takes the shared watcher along, whichever one goes.
     ~UserActivityWatcher() override;
 
-    /// Begins to watch; input before the call isn't told. Always true.
+    /// Begins to watch; input before the call isn't told. False, and nothing is watched, where the
+    /// system doesn't tell of all input: who works there would look idle. A query that fails is no
+    /// input, and not told here.
     bool start();
 
     /// Takes off hooks that nothing sets; doesn't end the watching.

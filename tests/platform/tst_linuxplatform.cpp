@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/Display.h"
 #include "platform/HotKeys.h"
 #include "platform/LastInput.h"
 #include "platform/Processes.h"
@@ -18,6 +19,7 @@ private slots:
     void startupEntryFile();
     void foreignStartupEntry();
     void blindDisplay();
+    void waylandSession();
 
 private:
     static QString write(const QString& name, const QByteArray& content);
@@ -57,20 +59,26 @@ void LinuxPlatformTest::startProgram()
 void LinuxPlatformTest::startupEntryFile()
 {
     const QString name = QStringLiteral("Team/Monitor 1.0");
-    const QPair<const char*, const char*> rows[] = {
-        {"/opt/монитор", R"(Exec="/opt/монитор")"},
-        {"/opt/a 100% b", R"(Exec="/opt/a 100%% b")"},
-        {"/opt/\"a\" 'b' $c `d`", R"(Exec="/opt/\\"a\\" 'b' \\$c \\`d\\`")"},
-        {R"(/opt/a\sb)", R"(Exec="/opt/a\\\\sb")"},
+    const struct {
+        const char* path;
+        const char* tryExec;
+        const char* exec;
+    } rows[] = {
+        {"/opt/монитор", "TryExec=/opt/монитор", R"(Exec="/opt/монитор")"},
+        {"/opt/a 100% b", "TryExec=/opt/a 100% b", R"(Exec="/opt/a 100%% b")"},
+        {"/opt/\"a\" 'b' $c `d`", "TryExec=/opt/\"a\" 'b' $c `d`",
+         R"(Exec="/opt/\\"a\\" 'b' \\$c \\`d\\`")"},
+        {R"(/opt/a\sb)", R"(TryExec=/opt/a\\sb)", R"(Exec="/opt/a\\\\sb")"},
     };
-    for (const auto& [path, exec] : rows) {
+    for (const auto& [path, tryExec, exec] : rows) {
         platform::setStartupEntry(name, QStringLiteral("/elsewhere"));
         platform::setStartupEntry(name, QString::fromUtf8(path));
         QCOMPARE(platform::startupEntry(name), QString::fromUtf8(path));
         QFile file(
             QDir::home().filePath(QStringLiteral(".config/autostart/Team-Monitor-1.0.desktop")));
         QVERIFY(file.open(QIODevice::ReadOnly));
-        QVERIFY2(file.readAll().split('\n').contains(exec), exec);
+        const QList<QByteArray> lines = file.readAll().split('\n');
+        QVERIFY2(lines.contains(tryExec) && lines.contains(exec), exec);
         QCOMPARE(QProcess::execute(QStringLiteral("desktop-file-validate"), {file.fileName()}), 0);
     }
     platform::removeStartupEntry(name);
@@ -98,6 +106,31 @@ void LinuxPlatformTest::blindDisplay()
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^LastInput: ")));
     QCOMPARE(platform::lastInputTick(), 0u);
     QVERIFY(!platform::registerHotKey({platform::nativeKeyCode(Qt::Key_K), 0}));
+}
+
+void LinuxPlatformTest::waylandSession()
+{
+    const struct {
+        const char* display;
+        const char* sessionType;
+        const char* usersPlugin;
+        bool seesAll;
+        const char* plugin;
+    } rows[] = {
+        {"", "x11", nullptr, true, ""},
+        {"wayland-0", "", nullptr, false, "xcb"},
+        {"", "wayland", nullptr, false, "xcb"},
+        {"wayland-0", "wayland", "wayland", false, ""},
+    };
+    for (const auto& [display, sessionType, usersPlugin, seesAll, plugin] : rows) {
+        qputenv("WAYLAND_DISPLAY", display);
+        qputenv("XDG_SESSION_TYPE", sessionType);
+        qunsetenv("QT_QPA_PLATFORM");
+        if (usersPlugin)
+            qputenv("QT_QPA_PLATFORM", usersPlugin);
+        QCOMPARE(platform::seesWholeDesktop(), seesAll);
+        QCOMPARE(platform::windowsPlugin(), QByteArray(plugin));
+    }
 }
 
 TESSAPORT_TEST_MAIN(LinuxPlatformTest, QGuiApplication)
