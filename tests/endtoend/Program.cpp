@@ -23,7 +23,7 @@ Program::Program(const Home& home)
     environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(PRELOADED));
     m_process.setProcessEnvironment(environment);
     m_process.setWorkingDirectory(home.path());
-    m_process.setStandardOutputFile(QProcess::nullDevice());
+    m_process.setStandardOutputFile(outputFile());
     m_process.setStandardErrorFile(errorFile());
 }
 
@@ -35,11 +35,18 @@ Program::~Program()
         kill();
 }
 
-void Program::start(const QStringList& arguments)
+void Program::setVariable(const char* name, const char* value)
 {
     QProcessEnvironment environment = m_process.processEnvironment();
-    environment.insert(QStringLiteral("FAKETIME"), m_home.fakeTime());
+    environment.remove(QString::fromLatin1(name));
+    if (value)
+        environment.insert(QString::fromLatin1(name), QString::fromLatin1(value));
     m_process.setProcessEnvironment(environment);
+}
+
+void Program::start(const QStringList& arguments)
+{
+    setVariable("FAKETIME", m_home.fakeTime().toLatin1().constData());
     m_process.start(QStringLiteral(MONITOR_EXECUTABLE), arguments);
     m_process.waitForStarted(patience);
 }

@@ -17,12 +17,18 @@ public:
     /// picture of the desktop.
     ~Program();
 
+    /// For the next start; without a value the variable goes.
+    void setVariable(const char* name, const char* value = nullptr);
     void start(const QStringList& arguments = {});
+    /// Asks it to end, as the system does.
+    void terminate() { m_process.terminate(); }
     bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
     /// At once, whatever it is doing.
     void kill();
     /// The exit code once it has ended by itself; -1 when it does not end or crashes.
     int waitForExit();
+    /// What it has written to its standard output.
+    QByteArray output() const { return content(outputFile()); }
 
     std::optional<DesktopWindow> window(const QString& title) const;
     bool waitFor(const QString& title) const;
@@ -47,6 +53,7 @@ public:
 
 private:
     QVector<DesktopWindow> windows() const;
+    QString outputFile() const { return m_home.path() + QStringLiteral("/output.txt"); }
     QString errorFile() const { return m_home.path() + QStringLiteral("/errors.txt"); }
     void tellOfFailure() const;
 

@@ -3,9 +3,26 @@
 #include "support/StandIn.h"
 #include "support/TestMain.h"
 
+#include <QSharedMemory>
+
+#include <unistd.h>
+
 namespace {
 
 const QString strip = QStringLiteral("Tessaport");
+const QString signIn = QStringLiteral("Авторизация");
+
+/// The lock of another copy in the same home; with no mark, that of all users of the machine.
+std::unique_ptr<QSharedMemory> heldLock(const Home& home, const QString& userMark)
+{
+    qputenv("TMPDIR", home.path().toLocal8Bit());
+    auto lock = std::make_unique<QSharedMemory>(
+        QStringLiteral("SingleAppLockTessaPort Team Monitor") + userMark);
+    if (!lock->create(1))
+        qWarning() << lock->errorString();
+    qunsetenv("TMPDIR");
+    return lock;
+}
 
 } // namespace
 
@@ -14,14 +31,31 @@ class StartupTest : public QObject {
     Q_OBJECT
 
 private slots:
+    // Neither a display nor the lock is asked for.
     void cleanRemovesData()
     {
         Home home;
         home.signIn("1507", "48211", false);
         Home::write(home.userFile("activity/json"), "{}");
+        const auto lock = heldLock(home, QString::number(getuid()));
         Program program(home);
+        program.setVariable("DISPLAY");
         program.start({QStringLiteral("--clean")});
         QCOMPARE(program.waitForExit(), 0);
+        QVERIFY(!QFileInfo::exists(home.file("")));
+    }
+
+    void answersWithoutStarting()
+    {
+        Home home;
+        Program program(home);
+        program.setVariable("DISPLAY");
+        program.start({QStringLiteral("--version")});
+        QCOMPARE(program.waitForExit(), 0);
+        QCOMPARE(program.output(), QByteArray("TessaPort Team Monitor 1.1.0\n"));
+        program.start({QStringLiteral("--help")});
+        QCOMPARE(program.waitForExit(), 0);
+        QVERIFY(program.output().contains("--clean") && program.output().contains("--version"));
         QVERIFY(!QFileInfo::exists(home.file("")));
     }
 
@@ -39,7 +73,7 @@ private slots:
             Program program(home);
             // Not the argument that it looks at.
             program.start({QStringLiteral("--Clean"), QStringLiteral("--clean")});
-            QVERIFY(program.waitForActive(QStringLiteral("Авторизация")));
+            QVERIFY(program.waitForActive(signIn));
             Desktop::press("Escape");
             QCOMPARE(program.waitForExit(), 0);
             QCOMPARE(QFileInfo(log).size() > size, size == largest);
@@ -47,6 +81,59 @@ private slots:
             QVERIFY(!QFileInfo::exists(home.file("cached")));
             QCOMPARE(Home::value(home.file("config.ini"), "lastLogin"), QVariant(QString()));
         }
+    }
+
+    // Signed in by hand; then the menu, and the end as the system brings it about.
+    void fromSignInToTheEnd()
+    {
+        StandIn standIn(StandIn::demoData(), SERVICE_PORT);
+        Home home;
+        const auto lockOfAll = heldLock(home, QString());
+        Program program(home);
+        program.start();
+        QVERIFY(program.waitForActive(signIn));
+        // What the style sheet draws: the background of a field.
+        QVERIFY(waitUntil([&] {
+            const QImage field = program.picture(signIn, {100, 75, 200, 16});
+            return !field.isNull() && field.pixelColor(100, 8) == QColor(Qt::white);
+        }));
+        Desktop::type("demo@example.com");
+        Desktop::press("Tab");
+        Desktop::type("demo");
+        Desktop::press("Return");
+        QVERIFY(program.waitFor(strip));
+
+        QVERIFY(program.chooseFromMenu("Up Up Up Return"));
+        const QString entry =
+            home.path() + QStringLiteral("/.config/autostart/TessaPort-Team-Monitor.desktop");
+        QVERIFY(waitUntil([&] { return QFileInfo::exists(entry); }));
+
+        // No window is left, and it lives on.
+        Desktop::press("Escape");
+        QVERIFY(program.waitForGone(strip));
+        QVERIFY(home.waitForLog("Teams and tasks data: "));
+        QVERIFY(program.isRunning());
+        program.terminate();
+        QCOMPARE(program.waitForExit(), 0);
+        QVERIFY(home.log().trimmed().endsWith("Exit TessaPort Team Monitor OK"));
+    }
+
+    void inAWaylandSession()
+    {
+        Home home;
+        Program program(home);
+        program.setVariable("XDG_SESSION_TYPE", "wayland");
+        program.start();
+        QVERIFY(program.waitForActive(QStringLiteral("Ошибка")));
+        Desktop::press("Tab Return");
+        QCOMPARE(program.waitForExit(), 0);
+        QVERIFY(home.log().contains("Z: 1\n"));
+
+        program.start();
+        QVERIFY(program.waitForActive(QStringLiteral("Ошибка")));
+        Desktop::press("Return");
+        QVERIFY(program.waitForActive(signIn));
+        QVERIFY(home.log().contains("Z: 0\n"));
     }
 
     void secondInstance()
@@ -116,6 +203,19 @@ private slots:
         QVERIFY(waitUntil([&] { return QFileInfo(told).size() > 0; }));
         QCOMPARE(content(told), QByteArray("--install-only"));
         QVERIFY(!QFileInfo::exists(home.file("log.log")));
+    }
+
+    // There is none yet; it comes to where it will be looked for the next time.
+    void carriesOnWithoutUpdate()
+    {
+        Home home;
+        home.addProgram("xdg-open", ":");
+        Home::setValue(home.file("update.json"), "updateAtStartup", true);
+        Home::write(home.file("update/TPMC-update.exe"), "new");
+        Program program(home);
+        program.start();
+        QVERIFY(program.waitFor(signIn));
+        QCOMPARE(content(home.path() + QStringLiteral("/TPMC-update.exe")), QByteArray("new"));
     }
 };
 
