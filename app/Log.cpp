@@ -24,6 +24,8 @@ void openLog(const QString& path)
     if (logFile.size() > largestLog)
         logFile.remove();
     logFile.open(QIODevice::Append);
+    // The addresses of requests have the password in them.
+    logFile.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
 }
 
 void logMessageHandler(QtMsgType type, const QMessageLogContext&, const QString& message)

@@ -14,8 +14,8 @@ extern QtMessageHandler previousMessageHandler;
 /// A larger log is deleted when the program starts.
 constexpr qint64 largestLog = 104857600; // 100 MiB
 
-/// Names and opens the file, for appending; a larger one than largestLog goes first. When it can't
-/// be opened the lines go to standard output alone.
+/// Names and opens the file, for appending; a larger one than largestLog goes first. Only its user
+/// can read it. When it can't be opened the lines go to standard output alone.
 void openLog(const QString& path);
 
 /// The handler to be installed. Messages of level info are dropped.

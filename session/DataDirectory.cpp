@@ -33,8 +33,7 @@ bool DataDirectory::removeDirectory(const QString& path) const
         QDir::DirsFirst);
     for (const QFileInfo& entry : entries) {
         const QString entryPath = entry.absoluteFilePath();
-        const bool isDirectory = entry.isDir() && !entry.isSymLink();
-        if (isDirectory ? !removeDirectory(entryPath) : !QFile::remove(entryPath))
+        if (entry.isDir() ? !removeDirectory(entryPath) : !QFile::remove(entryPath))
             return false;
     }
     return QDir().rmdir(path);

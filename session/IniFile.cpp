@@ -4,6 +4,7 @@
 #include "session/SettingsFile.h"
 
 #include <QDataStream>
+#include <QFile>
 
 namespace {
 
@@ -18,25 +19,35 @@ QByteArray streamOf(const QVariant& value)
 bool isSameContent(const QVariant& stored, const QVariant& value)
 {
     const int type = value.userType();
+    const int storedType = stored.userType();
     // Read back from a file, both are texts.
     if (type == QMetaType::QString || type == QMetaType::Bool)
-        return stored.toString() == value.toString();
-    return stored.userType() == type && streamOf(stored) == streamOf(value);
+        return (storedType == type || storedType == QMetaType::QString)
+            && stored.toString() == value.toString();
+    return storedType == type && streamOf(stored) == streamOf(value);
 }
 
 } // namespace
 
+// What is damaged is dealt with before QSettings opens the file, which reads it.
 IniFile::IniFile(const QString& path)
+    : IniFile(path, disarmDamagedValues(path))
+{
+}
+
+IniFile::IniFile(const QString& path, const QStringList& damagedKeys)
     : m_settings(path, QSettings::IniFormat)
 {
-    read();
+    emptyValues(damagedKeys);
 }
 
 bool IniFile::takeOverChanges()
 {
     if (stampOnDisk() == m_stamp)
         return false;
-    read();
+    const QStringList damagedKeys = disarmDamagedValues(m_settings.fileName());
+    m_settings.sync();
+    emptyValues(damagedKeys);
     return true;
 }
 
@@ -62,17 +73,27 @@ void IniFile::write()
     if (!m_hasUnwritten)
         return;
     m_settings.sync();
+    makePrivate();
     const Stamp stamp = stampOnDisk();
     // QSettings keeps what it could not write, but not a word about it.
     m_hasUnwritten = stamp == m_stamp;
     m_stamp = stamp;
 }
 
-void IniFile::read()
+// The last step of reading.
+void IniFile::emptyValues(const QStringList& damagedKeys)
 {
-    putAsideIfHarmful(m_settings.fileName());
+    for (const QString& key : damagedKeys)
+        m_settings.setValue(key, QString());
     m_settings.sync();
+    makePrivate();
     m_stamp = stampOnDisk();
+}
+
+// QSettings opens what it makes to everybody, and leaves what is there as it is.
+void IniFile::makePrivate()
+{
+    QFile::setPermissions(m_settings.fileName(), QFile::ReadOwner | QFile::WriteOwner);
 }
 
 IniFile::Stamp IniFile::stampOnDisk() const

@@ -10,7 +10,8 @@
 
 /// One of the program's ini files. What is set reaches the disk with the next write(), whole or not
 /// at all, and only if there is something new in it. A failure to write is silent; the next write()
-/// tries again. A file too damaged to be read without harm is put aside; see SettingsFile.h.
+/// tries again. A damaged value is read as an empty text; see SettingsFile.h. The file is readable
+/// by its user alone.
 class IniFile {
 public:
     explicit IniFile(const QString& path);
@@ -41,8 +42,11 @@ private:
         }
     };
 
+    IniFile(const QString& path, const QStringList& damagedKeys);
+
     Stamp stampOnDisk() const;
-    void read();
+    void emptyValues(const QStringList& damagedKeys);
+    void makePrivate();
 
     QSettings m_settings;
     Stamp m_stamp;

@@ -87,7 +87,10 @@ struct TaskInfo {
 };
 
 // The streams are the fields in the order above, with no version, tag or length of their own:
-// the ini files of every earlier version hold them like this.
+// the ini files of every earlier version hold them like this. So a record that gains a field can't
+// read what was stored without it: such a value is met as a damaged one, left out and logged at the
+// first start, and comes anew from the service. Where that is not good enough, the longer record
+// needs a type name of its own, which the ini file does hold.
 QDataStream& operator<<(QDataStream& stream, const Task& task);
 QDataStream& operator>>(QDataStream& stream, Task& task);
 QDataStream& operator<<(QDataStream& stream, const Attachment& attachment);

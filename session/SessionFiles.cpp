@@ -14,6 +14,17 @@ QString lastLoginKey()
     return QStringLiteral("lastLogin");
 }
 
+// What is stored under the key, or, if that is nothing of this type, an empty value, which the next
+// save writes.
+template <typename Type>
+Type stored(const IniFile& file, const QString& key, std::set<QString>& unsaved)
+{
+    const QVariant value = file.value(key);
+    if (value.userType() != qMetaTypeId<Type>())
+        unsaved.insert(key);
+    return value.value<Type>();
+}
+
 } // namespace
 
 void Session::loadLastSession()
@@ -42,12 +53,12 @@ void Session::load(const QString& login, const QString& password)
     m_tasksSettings = std::make_unique<IniFile>(userPath(QStringLiteral("tasks.ini")));
     const QStringList taskTeamIds = m_tasksSettings->keys();
     for (const QString& id : taskTeamIds)
-        m_tasks.setTasks(id, m_tasksSettings->value(id).value<QList<Task>>());
+        m_tasks.setTasks(id, stored<QList<Task>>(*m_tasksSettings, id, m_unsavedTasks));
 
     m_taskInfoSettings = std::make_unique<IniFile>(userPath(QStringLiteral("taskInfo.ini")));
     const QStringList taskIds = m_taskInfoSettings->keys();
     for (const QString& id : taskIds)
-        m_taskInfos.insert(id, m_taskInfoSettings->value(id).value<TaskInfo>());
+        m_taskInfos.insert(id, stored<TaskInfo>(*m_taskInfoSettings, id, m_unsavedTaskInfos));
 
     m_owner->removeOldData();
 }

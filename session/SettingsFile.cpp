@@ -4,76 +4,71 @@
 #include <QDataStream>
 #include <QDebug>
 #include <QFile>
-#include <QList>
+#include <QRegularExpression>
+#include <QSettings>
+#include <QTemporaryFile>
 #include <QVariant>
+#include <QVector>
 
-#include <cctype>
+#include <algorithm>
 
 namespace {
 
-// What Qt's readers of these lists and maps can be nested to without an end of the stack.
+// What Qt's readers of lists and maps can be nested to without an end of the stack, and its reader
+// of a type's name as well.
 constexpr int maximumDepth = 600;
+constexpr int maximumNameLength = 100;
 
-bool isLineEnd(char c)
+int digitOf(char c)
 {
-    return c == '\n' || c == '\r';
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    const char lower = char(c | 0x20);
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : 16;
 }
 
-// Takes over the escape sequence after the backslash at this place; gives the place of its end.
-int unescape(const QByteArray& content, int backslash, QByteArray& value)
+// The end of the escape sequence that begins with this backslash. Qt knows no end of its digits,
+// and keeps the low 16 bits.
+int endOfEscape(const QByteArray& content, int backslash, bool& isAt)
 {
-    static const QByteArray letters = "abfnrtv\"?'\\";
-    static const QByteArray meanings = "\a\b\f\n\r\t\v\"?'\\";
-    const int first = backslash + 1;
-    const char escape = first < content.size() ? content.at(first) : '\n';
-    const bool isHex = escape == 'x';
-    if (!isHex && (escape < '0' || escape > '7')) {
-        // Qt skips the ones it does not know.
-        const int letter = letters.indexOf(escape);
-        if (letter >= 0)
-            value += meanings.at(letter);
-        return first;
-    }
-    const auto isDigit = [isHex](char c) {
-        return isHex ? isxdigit(uchar(c)) != 0 : c >= '0' && c <= '7';
-    };
-    const int digits = isHex ? first + 1 : first;
+    const bool isHex = backslash + 1 < content.size() && content.at(backslash + 1) == 'x';
+    const int base = isHex ? 16 : 8;
+    const int digits = backslash + (isHex ? 2 : 1);
+    quint16 code = 0;
     int end = digits;
-    while (end < content.size() && isDigit(content.at(end)))
-        ++end;
-    if (end == digits)
-        return first;
-    const auto code = quint16(content.mid(digits, end - digits).toUInt(nullptr, isHex ? 16 : 8));
-    value += code > 0xFF ? '?' : char(code);
-    return end - 1;
+    for (; end < content.size() && digitOf(content.at(end)) < base; ++end)
+        code = quint16(code * base + digitOf(content.at(end)));
+    isAt = code == '@';
+    return end > digits ? end : std::min(backslash + 2, content.size());
 }
 
-// The values of an ini file, and the elements of those that are lists, out of their notation.
-QList<QByteArray> valuesIn(const QByteArray& content)
+/// QSettings takes a value for more than a text only if it begins with '@'. So a file is looked at
+/// in a copy in which a guard, "_NUMBER_", stands before every '@', and where all values are texts.
+struct GuardedContent {
+    explicit GuardedContent(const QByteArray& content);
+
+    QByteArray text;
+    QVector<int> places; ///< of each '@', however it is spelled, in the content without guards
+};
+
+GuardedContent::GuardedContent(const QByteArray& content)
 {
-    QList<QByteArray> values;
-    QByteArray value;
-    bool isKey = true;
-    bool isQuoted = false;
-    for (int i = 0; i < content.size(); ++i) {
-        const char c = content.at(i);
-        if (c == '\\') {
-            i = unescape(content, i, value);
-        } else if (c == '"') {
-            isQuoted = !isQuoted;
-        } else if (isQuoted || !(c == ',' || c == ';' || isLineEnd(c) || (c == '=' && isKey))) {
-            value += c;
-        } else {
-            if (c != '=')
-                values.append(value.trimmed());
-            value.clear();
-            isKey = c == ';' || isLineEnd(c);
-            while (c == ';' && i + 1 < content.size() && !isLineEnd(content.at(i + 1)))
-                ++i;
+    text.reserve(content.size() + content.size() / 8);
+    for (int i = 0, end = 0; i < content.size(); i = end) {
+        bool isAt = content.at(i) == '@';
+        end = content.at(i) == '\\' ? endOfEscape(content, i, isAt) : i + 1;
+        if (isAt) {
+            text += '_' + QByteArray::number(places.size()) + '_';
+            places.append(i);
         }
+        text.append(content.constData() + i, end - i);
     }
-    values.append(value.trimmed());
-    return values;
+}
+
+QString withoutGuards(QString text)
+{
+    static const QRegularExpression guard(QStringLiteral("_[0-9]+_(?=@)"));
+    return text.remove(guard);
 }
 
 bool isPlainType(quint32 type)
@@ -96,81 +91,95 @@ bool isPlainType(quint32 type)
     }
 }
 
-// The program's own types read damaged content without harm. So does what is cut short.
-bool isHarmlessNamedType(QDataStream& stream)
+bool canLoad(QDataStream& stream, int type)
 {
-    QByteArray name;
-    stream >> name;
-    const int id = QMetaType::type(name.constData());
-    return id == QMetaType::UnknownType || id >= QMetaType::User;
+    QVariant value(type, nullptr);
+    return QMetaType::load(stream, type, value.data());
 }
 
-bool isHarmless(QDataStream& stream, int depth)
+// Goes through a value as Qt will, but stops where it ends, and at every type that is neither plain
+// nor the program's own: those read damaged content without harm.
+bool isSound(QDataStream& stream, int depth)
 {
     constexpr quint32 namedType = 127;
     quint32 type = 0;
     stream >> type;
-    if (type == namedType)
-        return depth == 0 && isHarmlessNamedType(stream);
+    if (type == namedType) {
+        QByteArray name;
+        stream >> name;
+        const int id = name.size() > maximumNameLength ? 0 : QMetaType::type(name.constData());
+        return id >= QMetaType::User && canLoad(stream, id);
+    }
     if (type == QMetaType::UnknownType) {
         QString filler;
         stream >> filler;
         return true;
     }
-    if (isPlainType(type)) {
-        QVariant value(int(type), nullptr);
-        QMetaType::load(stream, int(type), value.data());
-        return true;
-    }
-    const bool isList = type == QMetaType::QVariantList;
-    if (depth == maximumDepth || !(isList || type == QMetaType::QVariantMap))
+    if (isPlainType(type))
+        return canLoad(stream, int(type));
+    const bool isMap = type == QMetaType::QVariantMap;
+    if (depth == maximumDepth || !(isMap || type == QMetaType::QVariantList))
         return false;
 
     quint32 count = 0;
     stream >> count;
-    // Room for all elements of a list is made before the first one is read.
-    if (isList && count > stream.device()->bytesAvailable())
-        return false;
-    for (quint32 i = 0; i < count && stream.status() == QDataStream::Ok; ++i) {
+    for (quint32 i = 0; i < count; ++i) {
         QString key;
-        if (!isList)
+        if (isMap)
             stream >> key;
-        if (!isHarmless(stream, depth + 1))
+        if (!isSound(stream, depth + 1) || stream.status() != QDataStream::Ok)
             return false;
     }
     return true;
 }
 
-bool isHarmless(const QByteArray& value)
+bool isSound(const QString& text)
 {
-    const QByteArray variantMark = "@Variant(";
-    const QByteArray dateMark = "@DateTime(";
-    const bool isDate = value.startsWith(dateMark);
-    if (!isDate && !value.startsWith(variantMark))
+    const QLatin1String variant("@Variant(");
+    const bool isVariant = text.startsWith(variant);
+    if (!(isVariant || text.startsWith(QLatin1String("@DateTime(")))
+        || !text.endsWith(QLatin1Char(')')))
         return true;
-    QDataStream stream(value.mid(isDate ? dateMark.size() : variantMark.size()));
+    // Nothing of ours is stored as the other one.
+    if (!isVariant)
+        return false;
+    QDataStream stream(text.midRef(variant.size()).chopped(1).toLatin1());
     stream.setVersion(QDataStream::Qt_4_0);
-    // Nothing that holds something else may stand in the place of a date.
-    return isHarmless(stream, isDate ? maximumDepth : 0);
+    return isSound(stream, 0) && stream.status() == QDataStream::Ok && stream.atEnd();
 }
 
 } // namespace
 
-void putAsideIfHarmful(const QString& path)
+QStringList disarmDamagedValues(const QString& path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return;
-    const QList<QByteArray> values = valuesIn(file.readAll());
+    const GuardedContent guarded(file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray());
     file.close();
-    for (const QByteArray& value : values) {
-        if (isHarmless(value))
-            continue;
-        const QString asidePath = path + QStringLiteral(".damaged");
-        qWarning() << "Damaged settings are put aside:" << asidePath;
-        QFile::remove(asidePath);
-        if (!file.rename(asidePath))
-            file.remove();
-        return;
+    if (guarded.places.isEmpty())
+        return {};
+    // Beside the file, since it may hold a password. On a full disk there is no copy; what the file
+    // holds is then taken as it is, rather than lost.
+    QTemporaryFile copyFile(path + QStringLiteral(".XXXXXX"));
+    if (!copyFile.open() || copyFile.write(guarded.text) != guarded.text.size()
+        || !copyFile.flush())
+        return {};
+
+    const QSettings copy(copyFile.fileName(), QSettings::IniFormat);
+    QStringList damagedKeys;
+    const QStringList keys = copy.allKeys();
+    for (const QString& key : keys) {
+        const QStringList texts = copy.value(key).toStringList();
+        for (const QString& text : texts) {
+            if (isSound(withoutGuards(text)))
+                continue;
+            damagedKeys.append(withoutGuards(key));
+            qWarning() << "A damaged value is left out:" << damagedKeys.constLast() << "in" << path;
+            if (file.isOpen() || file.open(QIODevice::ReadWrite)) {
+                // The first sign of '@' is its first byte, also when it is an escape sequence.
+                file.seek(guarded.places.at(text.section(QLatin1Char('_'), 1, 1).toInt()));
+                file.putChar('_');
+            }
+        }
     }
+    return damagedKeys;
 }

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 /// To be called before QSettings reads an ini file. Qt trusts what it reads there: one byte more or
-/// less, and a value that claims to be a list of billions, or a polygon, ends the program. A file
-/// with such a value is renamed to NAME.damaged, in the place of an earlier one, and logged.
-void putAsideIfHarmful(const QString& path);
+/// less, and a value that claims to be a list of billions, or a polygon, ends the program. Each
+/// value that would do that, or that is not whole, becomes a meaningless text in the file and is
+/// logged; not a byte of the others is touched. Gives the keys of these values.
+QStringList disarmDamagedValues(const QString& path);

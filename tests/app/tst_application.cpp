@@ -75,6 +75,8 @@ private slots:
                            R"(Monitor started\nMessage\(1\) at \S+Z: two\nlines\n$)"));
         const QDateTime written = QDateTime::fromString(form.match(text).captured(1), Qt::ISODate);
         QVERIFY2(qAbs(written.secsTo(QDateTime::currentDateTimeUtc())) < 60, qPrintable(text));
+        QVERIFY(!(logFile.permissions() & QFile::ReadOther)
+                || QSysInfo::kernelType() == QLatin1String("winnt"));
         logFile.close();
     }
 
