@@ -3,8 +3,6 @@
 
 #include <QSet>
 
-#include <algorithm>
-
 QList<Task> TaskLists::tasks(const QString& teamId) const
 {
     return m_teams.value(teamId).tasks;
@@ -28,79 +26,51 @@ QList<Task> TaskLists::allTasks() const
 const Task* TaskLists::find(const QString& teamId, const QString& taskId) const
 {
     const auto team = m_teams.constFind(teamId);
-    if (team == m_teams.constEnd())
-        return nullptr;
-    const int position = indexOf(*team, taskId);
-    return position < 0 ? nullptr : &team->tasks.at(position);
+    return team == m_teams.constEnd() ? nullptr : find(*team, taskId);
 }
 
 const Task* TaskLists::findFirst(const QString& taskId) const
 {
-    const auto teamIds = m_teamsByTask.constFind(taskId);
-    return teamIds == m_teamsByTask.constEnd() ? nullptr : find(teamIds->first(), taskId);
+    for (const TeamTasks& team : m_teams) {
+        if (const Task* task = find(team, taskId))
+            return task;
+    }
+    return nullptr;
 }
 
 void TaskLists::setTasks(const QString& teamId, const QList<Task>& tasks)
 {
-    TeamTasks& team = m_teams[teamId];
-    const TeamTasks before = team;
-    team = {tasks, {}, 0};
-
-    const QHash<QString, int>& oldIds = positions(before);
-    const QHash<QString, int>& newIds = positions(team);
-    for (auto id = oldIds.keyBegin(); id != oldIds.keyEnd(); ++id) {
-        if (newIds.contains(*id))
-            continue;
-        const auto teamIds = m_teamsByTask.find(*id);
-        teamIds->removeOne(teamId);
-        if (teamIds->isEmpty())
-            m_teamsByTask.erase(teamIds);
-    }
-    for (auto id = newIds.keyBegin(); id != newIds.keyEnd(); ++id) {
-        if (oldIds.contains(*id))
-            continue;
-        QStringList& teamIds = m_teamsByTask[*id];
-        teamIds.insert(std::lower_bound(teamIds.begin(), teamIds.end(), teamId), teamId);
-    }
+    m_teams[teamId] = {tasks, {}};
 }
 
+// By a search, since one index after the other would have to be made anew for many removed tasks.
 QStringList TaskLists::remove(const Task& task)
 {
-    const QStringList teamIds = m_teamsByTask.take(task.id);
-    for (const QString& teamId : teamIds) {
-        TeamTasks& team = m_teams[teamId];
-        if (hasRepeatedIds(team)) {
-            team.tasks.removeAll(task);
-            team.positions.clear();
+    QStringList changedTeams;
+    for (auto team = m_teams.begin(); team != m_teams.end(); ++team) {
+        if (team->tasks.removeAll(task) == 0)
             continue;
-        }
-        team.tasks.removeAt(indexOf(team, task.id));
-        team.positions.remove(task.id);
-        ++team.removed;
+        team->positions.clear();
+        changedTeams.append(team.key());
     }
-    return teamIds;
+    return changedTeams;
 }
 
 QStringList TaskLists::copyDeadline(const QString& teamId, const Task& task)
 {
     QStringList changedTeams;
-    const QStringList teamIds = m_teamsByTask.value(task.id);
-    for (const QString& otherTeamId : teamIds) {
-        if (otherTeamId == teamId)
+    for (auto team = m_teams.begin(); team != m_teams.end(); ++team) {
+        if (team.key() == teamId)
             continue;
         bool changed = false;
-        TeamTasks& team = m_teams[otherTeamId];
-        const int first = indexOf(team, task.id);
-        const int end = hasRepeatedIds(team) ? team.tasks.size() : first + 1;
-        for (int i = first; i < end; ++i) {
-            Task& other = team.tasks[i];
-            if (other.id != task.id || other.deadline == task.deadline)
-                continue;
+        const QList<int> places = positions(*team).values(task.id);
+        for (const int position : places) {
+            Task& other = team->tasks[position];
+            changed = changed || other.deadline != task.deadline;
             other.deadline = task.deadline;
-            changed = true;
         }
         if (changed)
-            changedTeams.append(otherTeamId);
+            changedTeams.append(team.key());
     }
     return changedTeams;
 }
@@ -108,32 +78,22 @@ QStringList TaskLists::copyDeadline(const QString& teamId, const Task& task)
 void TaskLists::clear()
 {
     m_teams.clear();
-    m_teamsByTask.clear();
 }
 
-const QHash<QString, int>& TaskLists::positions(const TeamTasks& team)
+const TaskLists::Positions& TaskLists::positions(const TeamTasks& team)
 {
     if (team.positions.isEmpty()) {
-        team.removed = 0;
         team.positions.reserve(team.tasks.size());
+        // The values of a key come out last in, first out.
         for (int i = team.tasks.size() - 1; i >= 0; --i)
             team.positions.insert(team.tasks.at(i).id, i);
     }
     return team.positions;
 }
 
-int TaskLists::indexOf(const TeamTasks& team, const QString& taskId)
+const Task* TaskLists::find(const TeamTasks& team, const QString& taskId)
 {
-    const int then = positions(team).value(taskId, -1);
-    const int last = std::min(then, team.tasks.size() - 1);
-    for (int i = std::max(then - team.removed, 0); i <= last; ++i) {
-        if (team.tasks.at(i).id == taskId)
-            return i;
-    }
-    return -1;
-}
-
-bool TaskLists::hasRepeatedIds(const TeamTasks& team)
-{
-    return positions(team).size() != team.tasks.size();
+    const Positions& places = positions(team);
+    const auto place = places.constFind(taskId);
+    return place == places.constEnd() ? nullptr : &team.tasks.at(*place);
 }

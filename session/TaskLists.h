@@ -3,13 +3,13 @@
 
 #include "session/Records.h"
 
-#include <QHash>
 #include <QList>
 #include <QMap>
+#include <QMultiHash>
 #include <QStringList>
 
-/// The task lists of all teams, in the service's order. A look-up by id does not go through the
-/// lists, so that the cost of a refresh grows with the number of tasks alone.
+/// The task lists of all teams, in the service's order. Look-ups by id go by an index of each
+/// list, so that the cost of a refresh does not grow with the square of the number of tasks.
 class TaskLists {
 public:
     /// In ascending order, also those whose lists are empty.
@@ -37,18 +37,15 @@ public:
     void clear();
 
 private:
+    using Positions = QMultiHash<QString, int>;
     struct TeamTasks {
         QList<Task> tasks;
-        /// Where in the list the first task of an id was when this was made, which is since then
-        /// up to `removed` places ago; empty when it has to be made anew.
-        mutable QHash<QString, int> positions;
-        mutable int removed = 0;
+        /// Where the tasks of an id are, in ascending order; empty when it has to be made anew.
+        mutable Positions positions;
     };
 
-    static const QHash<QString, int>& positions(const TeamTasks& team);
-    static int indexOf(const TeamTasks& team, const QString& taskId);
-    static bool hasRepeatedIds(const TeamTasks& team);
+    static const Positions& positions(const TeamTasks& team);
+    static const Task* find(const TeamTasks& team, const QString& taskId);
 
     QMap<QString, TeamTasks> m_teams;
-    QHash<QString, QStringList> m_teamsByTask; ///< team ids in ascending order
 };
