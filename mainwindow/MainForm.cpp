@@ -91,6 +91,8 @@ void MainForm::setupConnections()
     // The clock is to show the new user's day, which may have no counters to tell of.
     connect(m_tessaPort, &TessaPort::loginOk, this, &MainForm::updateTimerLbl);
     connect(m_tessaPort, &TessaPort::onlineChanged, this, &MainForm::updateOnlineState);
+    // What the session tells of them is a step on the way.
+    connect(m_tessaPort, &TessaPort::timesUpdated, this, &MainForm::updateTimerLbl);
     const Session* session = m_tessaPort->session();
     connect(session, &Session::taskChanged, this, &MainForm::onTaskChange);
     connect(session, &Session::timeUpdated, this, &MainForm::updateTimerLbl);

@@ -80,6 +80,9 @@ signals:
     void updateAvailable(bool isAvailable);
     /// Details have arrived. An empty record: a request for details failed.
     void taskInfoUpdated(TaskInfo taskInfo);
+    /// The day's booked time has come and is the session's. The session tells some of it by itself,
+    /// but not that all of it is there.
+    void timesUpdated();
 
 private slots:
     void replyFinished(QNetworkReply* reply);

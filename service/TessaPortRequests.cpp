@@ -171,6 +171,9 @@ void TessaPort::handleTimeSync(QNetworkReply* reply)
         return;
     }
     const ServiceReply::DayTotals totals = ServiceReply::dayTotals(data);
+    // The totals are today's. In a day that began with the next second of the monitor they would
+    // not outlast it.
+    session()->beginDay();
     session()->setTodayActivetime(totals.active);
     session()->setTodayWorktime(totals.total);
     // On purpose not the property that the request sets: the time lands under the empty key, and
@@ -179,6 +182,7 @@ void TessaPort::handleTimeSync(QNetworkReply* reply)
     if (taskId != unassignedTaskId)
         session()->setTaskActiveTime(taskId, totals.task);
     qDebug() << totals.active << totals.total;
+    emit timesUpdated();
 }
 
 // --- Updates

@@ -23,13 +23,19 @@ void Session::setTaskID(const QString& taskID)
     emit taskChanged(taskID);
 }
 
-void Session::tick()
+bool Session::beginDay()
 {
     const QDate today = QDate::currentDate();
-    if (today > m_worktimeDate) {
-        m_worktimeDate = today;
-        clearCounters();
-    } else {
+    if (today <= m_worktimeDate)
+        return false;
+    m_worktimeDate = today;
+    clearCounters();
+    return true;
+}
+
+void Session::tick()
+{
+    if (!beginDay()) {
         m_displayWorktime = m_displayWorktime.addSecs(1);
         m_displayActivetime = m_displayActivetime.addSecs(1);
     }

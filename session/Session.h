@@ -77,8 +77,11 @@ public:
     /// The tasks of the team that rule out work on its others, in list order.
     QList<Task> blockingTasks(const QString& teamId) const;
     /// Takes over a team's new list: says what changed by notices and signals, then stores it.
+    /// Before the first save of this user's tasks nothing changed, and no notice is shown; the list
+    /// of the last known team then brings that save.
     void setTasks(const QList<Task>& newTasks, const QString& teamId);
-    /// Takes over the new list of teams: says what changed by notices, then stores it.
+    /// Takes over the new list of teams: says what changed by notices, then stores it. Before the
+    /// first save of this user's teams no notice is shown.
     void setTeams(const QList<Team>& newTeams);
     /// Takes the task out of every team's list.
     void removeTask(const Task& task);
@@ -91,16 +94,23 @@ public:
 
     // --- Time
 
-    /// One second of a running monitor: one second more on the shown counters, or, on a later
-    /// date than that of the counters, all of them back to zero.
+    /// On a later date than that of the counters, sets them all to zero and that date to today's,
+    /// with no signal; whether it did. Whatever is of today has to be told after this.
+    bool beginDay();
+    /// One second of a running monitor: one second more on the shown counters, however long ago the
+    /// last one was, or the beginning of the day.
     void tick();
     /// One minute more of work time; saves.
     void addWorkMinute();
-    /// One minute more of active time; has to follow addWorkMinute(), which saves.
+    /// One minute more of active time, for the chosen task too. It follows addWorkMinute(), whose
+    /// save came before: it is on disk only with the next one.
     void addActiveMinute();
     void syncDisplayActivetime();
     void syncDisplayWorktime();
+    /// The counted and the shown work time; no signal.
     void setTodayWorktime(const QTime& time);
+    /// The counted active time; the shown one stays. It also moves the shown *work* time there if
+    /// their minutes differ, and tells that, so that setTodayWorktime() has to follow.
     void setTodayActivetime(const QTime& time);
     void setTaskActiveTime(const QString& taskId, const QTime& time);
     /// 00:00:00 for a task that has no entry.
@@ -111,7 +121,8 @@ public:
     /// The chosen task's deadline, invalid when the task is unknown; now for the row of time that
     /// is booked on no real task.
     QDateTime taskDeadline() const;
-    /// Seconds since the chosen task's deadline; negative while it is ahead.
+    /// Seconds since the chosen task's deadline; negative while it is ahead. Also 0 when there is
+    /// no deadline, which only taskDeadline() can tell.
     qint64 overdueSeconds() const;
 
 signals:

@@ -151,6 +151,16 @@ private slots:
         QCOMPARE(shown->text(), QStringLiteral("00:00:01"));
     }
 
+    void timesFromTheService()
+    {
+        Strip strip;
+        strip.session->setTodayActivetime(QTime(1, 31));
+        strip.session->setTodayWorktime(QTime(2, 30));
+        emit strip.service->timesUpdated();
+        QCOMPARE(strip.form->findChild<QLabel*>(QStringLiteral("lbClock"))->text(),
+                 QStringLiteral("02:30:00"));
+    }
+
     void noTask()
     {
         Strip strip(false, QString());

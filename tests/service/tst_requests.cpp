@@ -208,14 +208,21 @@ private slots:
         const QString path = QStringLiteral("/api_get_active");
         standIn().fail(path, QStringLiteral("answer"), 1, 0,
                        R"({"today_active":"61","today_total":125,"today_task":30})");
+        // The totals are of today, also for counters that are not yet.
+        session().setWorktimeDate(QDate::currentDate().addDays(-1));
+        session().setTaskActiveTime(QStringLiteral("17"), QTime(5, 0));
         QSignalSpy timeUpdated(&session(), &Session::timeUpdated);
+        QTime atSignal;
+        connect(&client(), &TessaPort::timesUpdated, this,
+                [&] { atSignal = session().todayActiveTime(QString()); });
         client().requestActive(QStringLiteral("17"));
-        QTRY_COMPARE(session().todayActivetime(), QTime(1, 1));
-        QCOMPARE(session().displayWorktime(), QTime(2, 5));
-        QCOMPARE(session().displayActivetime(), QTime(0, 0));
+        QTRY_COMPARE(atSignal, QTime(0, 30));
         QCOMPARE(timeUpdated.size(), 1);
+        session().tick();
+        QCOMPARE(session().todayActivetime(), QTime(1, 1));
+        QCOMPARE(session().displayWorktime(), QTime(2, 5, 1));
+        QCOMPARE(session().displayActivetime(), QTime(0, 0, 1));
         QCOMPARE(session().todayActiveTime(QStringLiteral("17")), QTime(0, 0));
-        QCOMPARE(session().todayActiveTime(QString()), QTime(0, 30));
 
         // What is no JSON counts as three zeros.
         standIn().fail(path, QStringLiteral("garbage"), 1);

@@ -7,8 +7,10 @@
 #include "support/TestMain.h"
 
 #include <QApplication>
+#include <QDesktopServices>
 #include <QSettings>
 #include <QSignalSpy>
+#include <QUrl>
 
 #include <memory>
 
@@ -23,24 +25,36 @@ const QString taskId = QStringLiteral("1");
 
 QDateTime at(int hour)
 {
-    return hour < 0 ? QDateTime() : QDateTime(QDate(2025, 5, 12), QTime(hour, 0));
+    return QDateTime(QDate(2025, 5, 12), QTime(hour, 0));
 }
 
-/// An hour below 0 stands for a date that is missing.
-Task entry(const char* id, const char* block = "", int comment = -1, int deadline = -1,
-           const char* title = "t")
-{
-    return {QString::fromLatin1(id),
-            QString::fromUtf8(title),
-            at(deadline),
-            QString::fromLatin1(block),
-            at(comment),
-            0};
-}
+/// A task that is told apart from others by what is called on it; hours are those of one day.
+struct Sample : Task {
+    explicit Sample(const char* taskId, const char* taskTitle = "t")
+    {
+        id = QString::fromLatin1(taskId);
+        title = QString::fromUtf8(taskTitle);
+    }
+    Sample& blocking(const char* mark = "1")
+    {
+        block = QString::fromLatin1(mark);
+        return *this;
+    }
+    Sample& commented(int hour)
+    {
+        lastComment = at(hour);
+        return *this;
+    }
+    Sample& due(int hour)
+    {
+        deadline = at(hour);
+        return *this;
+    }
+};
 
-Task task(const char* id, const char* block = "", int deadlineHour = 1)
+Sample task(const char* id)
 {
-    return entry(id, block, -1, deadlineHour, QByteArray("Задача ").append(id).constData());
+    return Sample(id, QByteArray("Задача ").append(id).constData()).due(1);
 }
 
 TaskLists listsOf(const Lists& lists)
@@ -60,28 +74,21 @@ QString textOf(const TaskChange& change)
         + task.title;
 }
 
-/// The notices on screen, from below, each as its type and its text; they are closed.
-QStringList takeNotices()
-{
-    QMap<int, QString> notices;
-    const QWidgetList widgets = QApplication::topLevelWidgets();
-    for (const QWidget* widget : widgets) {
-        if (const auto* form = qobject_cast<const NotificationForm*>(widget))
-            notices.insert(form->slot(),
-                           QString::number(form->type()) + QLatin1Char(' ')
-                               + form->accessibleName());
-    }
-    NotificationManager::instance()->closeAll();
-    return notices.values();
-}
-
 } // namespace
 
 /// The session in memory: what a refresh makes of two snapshots, and the day's counters.
 class SessionTest : public QObject {
     Q_OBJECT
 
+public slots:
+    void openPage(const QUrl& page) { m_openedPage = page.toString(); }
+
 private slots:
+    void initTestCase()
+    {
+        QDesktopServices::setUrlHandler(QStringLiteral("https"), this, "openPage");
+    }
+
     void init()
     {
         m_owner.reset();
@@ -89,7 +96,7 @@ private slots:
         m_owner = std::make_unique<SessionOwner>();
         m_session = m_owner->session();
         m_session->load(QStringLiteral("anna"), QStringLiteral("p"));
-        const QList<Task> tasks{task("1"), task("2", "1"), task("3"), unassignedTask()};
+        const QList<Task> tasks{task("1"), task("2").blocking(), task("3"), unassignedTask()};
         m_session->setTasks(tasks, a);
         m_session->setTasks({task("1"), task("4"), unassignedTask()}, b);
         m_session->setTeams({{a, QStringLiteral("Команда a")}, {b, QStringLiteral("Команда b")}});
@@ -118,33 +125,38 @@ private slots:
         };
         const QString exempt = QStringLiteral("2192");
 
-        row("0 is not blocking", {{a, {entry("1", "1"), entry("2", "0")}}}, a,
-            {entry("1", "0"), entry("2")}, "frees 1 t");
-        row("newer comment", {{a, {entry("1", "", 3), entry("2")}}}, a,
-            {entry("1", "", 4), entry("2", "", 0)}, "comment 1 t,comment 2 t");
-        row("new team", {}, a, {entry("1"), entry("2", "1"), entry("0")},
+        row("0 is not blocking", {{a, {Sample("1").blocking(), Sample("2").blocking("0")}}}, a,
+            {Sample("1").blocking("0"), Sample("2")}, "frees 1 t");
+        row("newer comment",
+            {{a, {Sample("1").commented(3), Sample("2"), Sample("3").commented(3)}}}, a,
+            {Sample("1").commented(4), Sample("2").commented(0), Sample("3").commented(2)},
+            "comment 1 t,comment 2 t");
+        row("new team", {}, a, {Sample("1"), Sample("2").blocking(), Sample("0")},
             "new 1 t,new blocking 2 t");
-        row("title is the present one", {{a, {entry("1")}}}, a, {entry("1", "1", -1, -1, "u")},
+        row("title is the present one", {{a, {Sample("1")}}}, a, {Sample("1", "u").blocking()},
             "blocks 1 u");
-        row("in another team", {{a, {}}, {b, {entry("1")}}}, a, {entry("1")}, "");
+        row("in another team", {{a, {}}, {b, {Sample("1")}}}, a, {Sample("1")}, "");
         row("compared with the first team and not with its own",
-            {{a, {entry("1", "", 4), entry("2")}}, {b, {entry("1"), entry("2", "", 4)}}}, b,
-            {entry("1", "", 4), entry("2", "", 4)}, "comment 2 t");
+            {{a, {Sample("1").commented(4), Sample("2")}},
+             {b, {Sample("1"), Sample("2").commented(4)}}},
+            b, {Sample("1").commented(4), Sample("2").commented(4)}, "comment 2 t");
         row("deadline of its own team",
-            {{a, {entry("1", "", -1, 2)}}, {b, {entry("1"), entry("2", "", -1, 3)}}}, b,
-            {entry("1", "", -1, 2), entry("2")}, "deadline 1 t,deadline 2 t");
-        row("deadline in the exempt team", {{exempt, {entry("1"), entry("2")}}}, exempt,
-            {entry("1", "1", -1, 3), entry("2", "", 1)}, "blocks 1 t,comment 2 t");
-        row("unassigned time", {{a, {entry("0")}}}, a, {entry("0", "1", 3, 3)}, "deadline 0 t");
-        row("in order of the passes", {{a, {entry("1"), entry("2", "", -1, 3), entry("3")}}}, a,
-            {entry("4"), entry("3", "", 1, 5), entry("2", "1", 1, 3)},
+            {{a, {Sample("1").due(2)}}, {b, {Sample("1"), Sample("2").due(3)}}}, b,
+            {Sample("1").due(2), Sample("2")}, "deadline 1 t,deadline 2 t");
+        row("deadline in the exempt team", {{exempt, {Sample("1"), Sample("2")}}}, exempt,
+            {Sample("1").blocking().due(3), Sample("2").commented(1)}, "blocks 1 t,comment 2 t");
+        row("unassigned time", {{a, {Sample("0")}}}, a,
+            {Sample("0").blocking().commented(3).due(3)}, "deadline 0 t");
+        row("in order of the passes", {{a, {Sample("1"), Sample("2").due(3), Sample("3")}}}, a,
+            {Sample("4"), Sample("3").commented(1).due(5),
+             Sample("2").blocking().commented(1).due(3)},
             "new 4 t,comment 3 t,blocks 2 t,comment 2 t,gone 1 t,deadline 3 t");
-        row("twice in the new list", {{a, {entry("1")}}}, a,
-            {entry("1", "", -1, 1, "x"), entry("2"), entry("2"), entry("1", "", -1, 2, "y")},
+        row("twice in the new list", {{a, {Sample("1")}}}, a,
+            {Sample("1", "x").due(1), Sample("2"), Sample("2"), Sample("1", "y").due(2)},
             "new 2 t,new 2 t,deadline 1 x,deadline 1 y");
         row("twice in the old list",
-            {{a, {entry("1"), entry("1", "", -1, 2), entry("2"), entry("2")}}}, a,
-            {entry("1", "", -1, 2)}, "gone 2 t,gone 2 t,deadline 1 t");
+            {{a, {Sample("1"), Sample("1").due(2), Sample("2"), Sample("2")}}}, a,
+            {Sample("1").due(2)}, "gone 2 t,gone 2 t,deadline 1 t");
     }
 
     void changes()
@@ -162,8 +174,9 @@ private slots:
     void lookUpsFollowTheLists()
     {
         const QString one = QStringLiteral("1");
-        TaskLists lists = listsOf({{b, {entry("1", "", -1, 1, "b"), entry("2"), entry("0")}},
-                                   {a, {entry("3"), entry("1", "", -1, 1, "a"), entry("0")}}});
+        TaskLists lists;
+        lists.setTasks(b, {Sample("1", "b"), Sample("2"), Sample("0"), Sample("1", "b again")});
+        lists.setTasks(a, {Sample("3"), Sample("1", "a"), Sample("0")});
         QString ids;
         const QList<Task> all = lists.allTasks();
         for (const Task& each : all)
@@ -171,9 +184,9 @@ private slots:
         QCOMPARE(ids, QStringLiteral("3102"));
         QCOMPARE(lists.findFirst(one)->title, a);
         QCOMPARE(lists.find(b, one)->title, b);
-        lists.setTasks(a, {entry("0"), entry("3")});
+        lists.setTasks(a, {Sample("0"), Sample("3")});
         QCOMPARE(lists.findFirst(one)->title, b);
-        QCOMPARE(lists.remove(entry("1")), QStringList{b});
+        QCOMPARE(lists.remove(Sample("1")), QStringList{b});
         QVERIFY(!lists.findFirst(one));
         // Those behind the removed one have moved up.
         QCOMPARE(lists.find(b, QStringLiteral("0"))->id, QStringLiteral("0"));
@@ -181,48 +194,75 @@ private slots:
 
     void noticesAndSignalsInOrder()
     {
+        const auto ids = [this](const QString& team) {
+            QStringList ids;
+            const QList<Task> tasks = m_session->tasks(team);
+            for (const Task& each : tasks)
+                ids << each.id;
+            return ids.join(QLatin1Char('+'));
+        };
         QStringList events;
-        connect(m_session, &Session::taskClosed, this, [&events](const QString& id) {
-            events << QStringLiteral("closed ") + id
-                    + QString::number(QApplication::topLevelWidgets().size());
+        connect(m_session, &Session::taskClosed, this, [&events, ids](const QString& id) {
+            const int notices = QApplication::topLevelWidgets().size();
+            events
+                << QStringLiteral("%1 closed at notice %2 in %3").arg(id).arg(notices).arg(ids(a));
         });
-        connect(m_session, &Session::overdueTimeChanged, this,
-                [&events] { events << QStringLiteral("overdue"); });
+        connect(m_session, &Session::overdueTimeChanged, this, [this, &events] {
+            events << QStringLiteral("due in b at ")
+                    + m_session->task(b, taskId).deadline.toString(QStringLiteral("h"));
+        });
         connect(m_session, &Session::tasksUpdated, this,
-                [&events](const QString& id) { events << QStringLiteral("tasks ") + id; });
+                [&events, ids](const QString& id) { events << id + QLatin1Char(' ') + ids(id); });
         QTest::ignoreMessage(QtDebugMsg, "Task added  \"Задача 5\" \"5\"");
         QTest::ignoreMessage(QtDebugMsg, "Task blocked added  \"Задача 6\" \"6\"");
-        Task moved = task("1", "5", 9);
-        moved.title = QStringLiteral("Новое");
-        moved.lastComment = moved.deadline;
-        m_session->setTasks({task("5"), moved, task("6", "1"), unassignedTask()}, a);
+        Task moved = Sample("1", "Новое").blocking("5").commented(9).due(9);
+        const QList<Task> tasks{task("5"), moved, task("6").blocking(), unassignedTask()};
+        m_session->setTasks(tasks, a);
         QCOMPARE(takeNotices(),
                  (QStringList{
-                     QStringLiteral("3 Добавлена новая задача \"Задача 5\""),
-                     QStringLiteral("8 Задача \"Новое\" помечена как блокирующая"),
-                     QStringLiteral("5 К задаче \"Новое\" добавлен новый комментарий"),
-                     QStringLiteral("10 Добавлена новая блокируюшая задача \"Задача 6\""),
+                     QStringLiteral("3 Добавлена новая задача \"Задача 5\" -> 5"),
+                     QStringLiteral("8 Задача \"Новое\" помечена как блокирующая -> 1"),
+                     QStringLiteral("5 К задаче \"Новое\" добавлен новый комментарий -> 1"),
+                     QStringLiteral("10 Добавлена новая блокируюшая задача \"Задача 6\" -> 6"),
                      QStringLiteral("4 Задача \"Задача 2\" более недоступна"),
                      QStringLiteral("4 Задача \"Задача 3\" более недоступна"),
                      QStringLiteral("7 Дедлайн задачи \"Задача 1\" был изменён"),
                  }));
-        // Each task is closed right after its own notice and before the next one.
+        // A task is closed when it is gone, right after its own notice and before the next one.
         QCOMPARE(events,
-                 QStringLiteral("closed 25,closed 36,overdue,tasks a").split(QLatin1Char(',')));
+                 (QStringList{QStringLiteral("2 closed at notice 5 in 1+3+0"),
+                              QStringLiteral("3 closed at notice 6 in 1+0"),
+                              QStringLiteral("due in b at 9"), QStringLiteral("a 5+1+6+0")}));
+
+        // The same list is told again, and so is the task that blocks no more.
+        events.clear();
+        m_session->setTasks(tasks, a);
+        QCOMPARE(events, QStringList{QStringLiteral("a 5+1+6+0")});
+        m_session->setTasks({task("5"), moved, task("6"), unassignedTask()}, a);
+        QCOMPARE(takeNotices(),
+                 QStringList{
+                     QStringLiteral("9 Задача \"Задача 6\" более не является блокирующей -> 6")});
     }
 
     void sharedDeadlineIsToldOnce()
     {
-        m_session->setTasks({task("1", "", 8), task("2", "1"), task("3"), unassignedTask()}, a);
-        m_session->setTasks({task("1", "", 8), task("4", "", 8), unassignedTask()}, b);
+        const QList<Task> tasks{task("1").due(8), task("2").blocking(), task("3"),
+                                unassignedTask()};
+        m_session->setTasks(tasks, a);
+        m_session->setTasks({task("1").due(8), task("4").due(8), unassignedTask()}, b);
         QCOMPARE(takeNotices().size(), 2);
+    }
 
-        // What was copied is as good as what the service sent, on disk too.
-        m_session->setTasks({task("1", "", 7), task("2", "1"), task("3"), unassignedTask()}, a);
+    // What a refresh does to the lists of other teams is as good as what the service sent.
+    void otherTeamsAreSavedToo()
+    {
+        m_session->setTasks({task("1").due(7), task("2").blocking(), unassignedTask()}, a);
+        m_session->removeTask(task("4"));
         m_session->save();
         Session other(m_owner.get());
         other.load(QStringLiteral("anna"), QString());
-        QCOMPARE(other.task(b, taskId).deadline, task("1", "", 7).deadline);
+        QCOMPARE(other.task(b, taskId).deadline, at(7));
+        QCOMPARE(other.tasks(b).size(), 2);
     }
 
     void listenerMayUseTheSession()
@@ -234,7 +274,7 @@ private slots:
             m_session->save();
         });
         QSignalSpy overdue(m_session, &Session::overdueTimeChanged);
-        m_session->setTasks({task("1", "", 5)}, a);
+        m_session->setTasks({task("1").due(5)}, a);
         // The task is not the chosen one any more when its deadline is compared.
         QCOMPARE(overdue.size(), 0);
         QCOMPARE(m_session->tasks(a).size(), 1);
@@ -243,12 +283,16 @@ private slots:
     void teams()
     {
         const QString c = QStringLiteral("c");
+        QString told;
+        connect(m_session, &Session::teamsUpdated, this,
+                [this, &told] { told += m_session->teams().constFirst().name; });
         m_session->setTeams({{c, c}, {b, c}, {QStringLiteral("0"), QStringLiteral("0")}});
         QCOMPARE(
             takeNotices(),
             (QStringList{QStringLiteral("1 Добавлена новая команда \"c\""),
                          QStringLiteral("1 Добавлена новая команда \"0\""),
                          QStringLiteral("2 Вы больше не являетесь членом команды \"Команда a\"")}));
+        QCOMPARE(told, c);
 
         // The tasks of a team that is gone stay known, so that they are not new in another team.
         m_session->save();
@@ -284,23 +328,47 @@ private slots:
         QCOMPARE(m_session->todayActiveTime(taskId), QTime(0, 1));
     }
 
-    void onlyALaterDateEndsTheDay()
+    void onlyALaterDateBeginsTheDay()
     {
         const QDate today = QDate::currentDate();
         // The last one stands for a clock that was put back.
         for (const QDate& date : {QDate(), today.addDays(-1), today.addDays(1)}) {
-            const bool ends = date != today.addDays(1);
-            const QTime counted = ends ? QTime(0, 0) : QTime(3, 0);
+            const bool begins = date != today.addDays(1);
+            const QTime counted = begins ? QTime(0, 0) : QTime(3, 0);
             m_session->setTodayActivetime(QTime(3, 0));
             m_session->setTodayWorktime(QTime(3, 0));
             m_session->setTaskActiveTime(taskId, QTime(3, 0));
             m_session->setWorktimeDate(date);
-            m_session->syncDisplayWorktime();
+            m_session->syncDisplayActivetime();
+            QSignalSpy timeUpdated(m_session, &Session::timeUpdated);
             m_session->tick();
-            QCOMPARE(m_session->displayWorktime(), ends ? counted : counted.addSecs(1));
+            QCOMPARE(timeUpdated.size(), 1);
+            QCOMPARE(m_session->worktimeDate(), begins ? today : date);
+            QCOMPARE(m_session->displayWorktime(), begins ? counted : counted.addSecs(1));
+            QCOMPARE(m_session->displayActivetime(), begins ? counted : counted.addSecs(1));
             QCOMPARE(m_session->todayActivetime(), counted);
             QCOMPARE(m_session->todayActiveTime(taskId), counted);
+            m_session->syncDisplayWorktime();
+            QCOMPARE(m_session->displayWorktime(), counted);
+            QVERIFY(!m_session->beginDay());
         }
+    }
+
+    // Summer time, a clock put right, a night of sleep: a second is what a tick brings, and not
+    // what the clock says.
+    void clockMayJump()
+    {
+        const QByteArray zone = qgetenv("TZ");
+        const int noon = QDateTime::currentDateTimeUtc().time().hour() - 12;
+        m_session->setTodayWorktime(QTime(0, 59, 58));
+        for (const int hours : {0, 1, -1, -6}) {
+            qputenv("TZ", "XXX" + QByteArray::number(noon + hours));
+            if (hours == 0)
+                m_session->setWorktimeDate(QDate::currentDate());
+            m_session->tick();
+        }
+        zone.isNull() ? qunsetenv("TZ") : qputenv("TZ", zone);
+        QCOMPARE(m_session->displayWorktime(), QTime(1, 0, 2));
     }
 
     void timesFromTheService()
@@ -314,8 +382,31 @@ private slots:
     }
 
 private:
+    /// The notices on screen, from below: type, text and the task that a click leads to; they are
+    /// closed.
+    QStringList takeNotices()
+    {
+        QMap<int, QString> notices;
+        const QWidgetList widgets = QApplication::topLevelWidgets();
+        for (QWidget* widget : widgets) {
+            auto* const form = qobject_cast<NotificationForm*>(widget);
+            if (!form)
+                continue;
+            m_openedPage.clear();
+            QTest::mousePress(form, Qt::LeftButton, {}, {1, 1});
+            notices.insert(
+                form->slot(),
+                QStringLiteral("%1 %2").arg(form->type()).arg(form->accessibleName())
+                    + m_openedPage.replace(QStringLiteral("https://localhost:1/task?id="),
+                                           QStringLiteral(" -> ")));
+        }
+        NotificationManager::instance()->closeAll();
+        return notices.values();
+    }
+
     std::unique_ptr<SessionOwner> m_owner;
     Session* m_session = nullptr;
+    QString m_openedPage;
 };
 
 TESSAPORT_TEST_MAIN(SessionTest, QApplication)
