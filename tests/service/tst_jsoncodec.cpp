@@ -72,9 +72,9 @@ void TestJsonCodec::reads()
 void TestJsonCodec::tellsBrokenText()
 {
     const QPair<QVariant, QList<const char*>> rows[] = {
-        {QVariant(),
-         {"", "   ", "nul", "tru", "True", "}", "]", ":", ",", "+1", ".5", "\"no end", "\"\\",
-          "\"\\u12\"", "<html", "'a':'b'", "\xC2\xA0\"a"}},
+        {QVariant(), {"",         "   ",  "nul",       "tru",   "trux",    "falsy",      "nulx",
+                      "True",     "}",    "]",         ":",     ",",       "+1",         ".5",
+                      "\"no end", "\"\\", "\"\\u12\"", "<html", "'a':'b'", "\xC2\xA0\"a"}},
         {map({}),
          {"{", "{\"a\":1", "{\"a\"}", "{\"a\" 1}", "{\"a\":}", "{a:1}", "{\"a\":1,\"b",
           "{\"a\":1,\"b\":[}", "{\"a\":nul", "{:}"}},
