@@ -52,6 +52,7 @@ void TestJsonCodec::reads()
         {"1.2.3", 0.0},
         {R"("\"\\\/\b\f\n\r\t")", QStringLiteral("\"\\/\b\f\n\r\t")},
         {R"("a\qЖ\u0416\uD83D\ude00!")", QStringLiteral("aЖЖ😀!")},
+        {R"("\uAF09\uaf90")", QString(QChar(0xAF09)) + QChar(0xAF90)},
         {R"("\u+12fx")", QString(QChar(QChar::Null)) + QLatin1Char('x')},
         {"\"a\nb\x01\"", QStringLiteral("a\nb\x01")},
         {"[,1,,null true,]", list({1u, QVariant(), true})},
