@@ -15,12 +15,12 @@ namespace ReportFile {
 
 namespace {
 
-constexpr QLatin1String timestampFormat("dd-MM-yyyy-hh-mm-ss");
-constexpr QLatin1String apiUrlKey("api-url");
-constexpr QLatin1String bodyKey("body");
-constexpr QLatin1String timestampKey("timestamp");
-constexpr QLatin1String versionKey("version");
-constexpr QLatin1String unfinishedPrefix("unfinished.");
+const QLatin1String timestampFormat("dd-MM-yyyy-hh-mm-ss");
+const QLatin1String apiUrlKey("api-url");
+const QLatin1String bodyKey("body");
+const QLatin1String timestampKey("timestamp");
+const QLatin1String versionKey("version");
+const QLatin1String unfinishedPrefix("unfinished.");
 
 // The arithmetic is that of unsigned 32-bit seconds, in which a time that can't be read or is not
 // in their range is the largest number.

@@ -9,7 +9,7 @@ namespace ServiceReply {
 
 namespace {
 
-constexpr QLatin1String dateTimeFormat("yyyy-MM-dd HH:mm:ss");
+const QLatin1String dateTimeFormat("yyyy-MM-dd HH:mm:ss");
 
 QVariant parsed(const QByteArray& body)
 {

@@ -17,8 +17,8 @@
 
 namespace {
 
-constexpr QLatin1String activityPath("/api_active2");
-constexpr QLatin1String screenshotPath("/api_screenshot");
+const QLatin1String activityPath("/api_active2");
+const QLatin1String screenshotPath("/api_screenshot");
 
 QVariantMap record(const Session& session)
 {
