@@ -1,0 +1,136 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""The accounts of what was measured: each minute and picture is confirmed, or on disk, and once."""
+
+import datetime
+import json
+import re
+from collections import defaultdict
+
+from lab import Broken, SCREENSHOT, expect
+
+_LINE = re.compile(r"Message\(\d\) at (\S+)Z: (.*)")
+_PREPARED = re.compile(r'Activity data prepared .*\("(\d+)", "[^"]*", "[^"]*", "([^"]*)"')
+_TIME = "%d-%m-%Y-%H-%M-%S"
+
+
+class Minute:
+    """A minute that the log tells of, and whether it was the last word of a run that was killed."""
+
+    def __init__(self, moment, key):
+        self.moment = moment
+        self.key = key  # task, active slots
+        self.is_cut_off = True
+        self.is_told_lost = False
+
+
+class Ledger:
+    def __init__(self, home, service, lost_line="Error! Report is lost"):
+        self.minutes = []
+        self.pictures = 0
+        self.acknowledged = 0
+        self._read_log(home.log(), lost_line)
+        tasks = {minute.key[0] for minute in self.minutes}
+        self.confirmed = defaultdict(list)
+        self.confirmed_pictures = defaultdict(int)
+        for kind, record, kept in service.confirmed():
+            if kind == "screenshot" and str(home.path) in record.get("fileName", ""):
+                self.confirmed_pictures[record["fileName"]] += 1
+            elif kind == "activity" and record["task_id"] in tasks:
+                made = home.clock.at(kept) - datetime.timedelta(seconds=int(record["past"]))
+                self.confirmed[record["task_id"], record["active"]].append(made)
+        self.waiting = defaultdict(list)
+        self.waiting_pictures = set()
+        for file in home.reports():
+            self._read_report(file, tasks)
+
+    @property
+    def waiting_count(self):
+        return sum(map(len, self.waiting.values())) + len(self.waiting_pictures)
+
+    @property
+    def confirmations(self):
+        return sum(map(len, self.confirmed.values())) + sum(self.confirmed_pictures.values())
+
+    def _read_log(self, log, lost_line):
+        last = None
+        for line in log.splitlines():
+            found = _LINE.match(line)
+            if not found:
+                continue
+            moment, text = found.groups()
+            if "started. Build date" in text:
+                last = None
+            elif last:
+                last.is_cut_off = False
+            if prepared := _PREPARED.match(text):
+                last = Minute(datetime.datetime.fromisoformat(moment),
+                              (prepared[2], prepared[1]))
+                self.minutes.append(last)
+            elif text.startswith("Screenshot prepared"):
+                self.pictures += 1
+            elif lost_line in text and last:
+                last.is_told_lost = True
+            elif text.startswith(("Activity sended", "ver 1.0 activity sended")):
+                self.acknowledged += 1
+
+    def _read_report(self, file, tasks):
+        try:
+            content = file.read_bytes()
+        except FileNotFoundError:
+            return  # confirmed since the folder was listed
+        try:
+            report = json.loads(content)
+            body, written = report["body"], report["timestamp"]
+        except (ValueError, KeyError) as error:
+            raise Broken(f"half a report: {file.name}: {content!r}: {error}") from None
+        if report["api-url"].endswith(SCREENSHOT):
+            self.waiting_pictures.add(body["fileName"])
+        elif body["task_id"] in tasks:
+            self.waiting[body["task_id"], body["active"]].append(
+                datetime.datetime.strptime(written, _TIME))
+
+    def settle(self):
+        """What is missing and what is there too often, of minutes and of pictures."""
+        minutes = defaultdict(list)
+        for minute in self.minutes:
+            minutes[minute.key].append(minute)
+        lost, doubled = [], []
+        for key in {*minutes, *self.confirmed, *self.waiting}:
+            left = minutes[key]
+            for moment in sorted(self.confirmed[key] + self.waiting[key]):
+                # Written up to a second before the line of the log, and seen some time later.
+                known = [m for m in left if m.moment <= moment + datetime.timedelta(seconds=2)]
+                if known:
+                    left.remove(max(known, key=lambda minute: minute.moment))
+                else:
+                    doubled.append((key, moment))
+            lost += [minute for minute in left if not minute.is_told_lost]
+        seen = {**self.confirmed_pictures}
+        for name in self.waiting_pictures:
+            seen[name] = seen.get(name, 0) + 1
+        doubled += [name for name, count in seen.items() if count > 1]
+        return lost, doubled, self.pictures - len(seen)
+
+    def is_kept(self, kills=0):
+        try:
+            self.check(kills)
+            return True
+        except Broken:
+            return False
+
+    def check(self, kills=0, may_be_twice=False):
+        """Every minute and picture once; with kills, but for what a kill itself cut off: a record
+        on its way to the disk, and the word that one has been confirmed. May be twice only what
+        was confirmed in words that never arrived."""
+        lost, doubled, pictures = self.settle()
+        cut_off = [minute.key for minute in self.minutes if minute.is_cut_off]
+        unanswered = self.confirmations - self.acknowledged
+        told = f"{len(self.minutes)} minutes, {self.pictures} pictures, " \
+               f"{self.confirmations} confirmations, {self.waiting_count} waiting"
+        for key in {minute.key for minute in lost}:
+            ours = [minute.moment for minute in lost if minute.key == key]
+            expect(kills and len(ours) <= cut_off.count(key), f"lost: {key} {ours} ({told})")
+        expect(len(doubled) <= (unanswered if kills or may_be_twice else 0),
+               f"twice: {doubled}, {unanswered} unanswered ({told})")
+        expect(pictures <= kills, f"{pictures} pictures lost ({told})")
+        return told + f", {len(lost)} cut off, {len(doubled)} again"
