@@ -18,6 +18,9 @@ if(TESSAPORT_SANITIZE)
         -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(tessaport_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(TESSAPORT_FUZZ)
+    target_compile_options(tessaport_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # tessaport_library(NAME
 #     HEADERS header... [SOURCES source...] [PUBLIC library...] [PRIVATE library...])
