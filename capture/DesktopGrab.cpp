@@ -6,38 +6,38 @@
 #include <QPixmap>
 #include <QScreen>
 
-namespace {
+#include <utility>
 
-// Display scaling divides the size of a monitor but leaves its place in the desktop as it is.
-QRect pixelGeometry(const QScreen& screen)
+QImage assembledDesktop(const QVector<MonitorPicture>& monitors)
 {
-    const QRect geometry = screen.geometry();
-    return {geometry.topLeft(), geometry.size() * screen.devicePixelRatio()};
-}
-
-} // namespace
-
-QImage grabDesktop()
-{
-    const QList<QScreen*> screens = QGuiApplication::screens();
+    if (monitors.size() == 1)
+        return monitors.first().picture;
     QRect desktop;
-    for (const QScreen* screen : screens)
-        desktop |= pixelGeometry(*screen);
+    for (const MonitorPicture& monitor : monitors)
+        desktop |= QRect(monitor.place, monitor.picture.size());
     if (desktop.isEmpty())
         return QImage();
 
     QImage image(desktop.size(), QImage::Format_RGB32);
     image.fill(Qt::black);
     QPainter painter(&image);
-    bool hasPicture = false;
+    for (const MonitorPicture& monitor : monitors)
+        painter.drawImage(monitor.place - desktop.topLeft(), monitor.picture);
+    return image;
+}
+
+QImage grabDesktop()
+{
+    QVector<MonitorPicture> monitors;
+    const QList<QScreen*> screens = QGuiApplication::screens();
     for (QScreen* screen : screens) {
-        QPixmap grab = screen->grabWindow(0);
-        if (grab.isNull())
+        QImage picture = screen->grabWindow(0).toImage();
+        if (picture.isNull())
             continue;
-        grab.setDevicePixelRatio(1.0);
-        painter.drawPixmap(pixelGeometry(*screen).topLeft() - desktop.topLeft(), grab);
-        hasPicture = true;
+        // Display scaling divides the size of a monitor, roundly, but leaves its place in the
+        // desktop as it is.
+        picture.setDevicePixelRatio(1.0);
+        monitors.append({screen->geometry().topLeft(), std::move(picture)});
     }
-    painter.end();
-    return hasPicture ? image : QImage();
+    return assembledDesktop(monitors);
 }
