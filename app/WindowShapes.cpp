@@ -34,10 +34,12 @@ WindowShapes::WindowShapes(QObject* parent)
 
 bool WindowShapes::eventFilter(QObject* object, QEvent* event)
 {
-    if (event->type() != QEvent::Show || !object->isWidgetType())
+    if ((event->type() != QEvent::Show && event->type() != QEvent::Resize)
+        || !object->isWidgetType())
         return false;
     const auto widget = static_cast<QWidget*>(object);
-    if (!widget->isWindow() || !widget->testAttribute(Qt::WA_TranslucentBackground))
+    if (!widget->isVisible() || !widget->isWindow()
+        || !widget->testAttribute(Qt::WA_TranslucentBackground))
         return false;
     platform::cutWindow(widget->winId(),
                         platform::mixesTranslucentWindows() ? QRegion() : panelShape(widget));

@@ -27,8 +27,25 @@ AbstractTessaportForm::~AbstractTessaportForm() = default;
 
 void AbstractTessaportForm::setBackground(const QString& resource)
 {
+    m_backgroundName = resource;
     m_background = panelImage(resource);
     update();
+}
+
+void AbstractTessaportForm::setHeight(int height, std::initializer_list<QWidget*> children)
+{
+    if (m_tallest == 0)
+        m_tallest = this->height();
+    const int lost = this->height() - height;
+    setFixedSize(width(), height);
+    for (QWidget* const child : children)
+        child->resize(child->width(), child->height() - lost);
+
+    setBackground(m_backgroundName);
+    if (height < m_tallest) {
+        const qreal scale = qreal(m_background.height()) / m_tallest;
+        m_background = shortenedPanel(m_background, qRound(height * scale), scale);
+    }
 }
 
 bool AbstractTessaportForm::eventFilter(QObject* object, QEvent* event)

@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QPoint>
 
+#include <initializer_list>
 #include <memory>
 
 namespace Ui {
@@ -25,6 +26,9 @@ protected:
     /// The picture behind the form, stretched to it: the main window's, until another is set.
     void setBackground(const QString& resource);
     QImage background() const { return m_background; }
+    /// Makes the form lower than it is drawn, where the screen has no room for it, or as tall
+    /// again. The children listed lack the difference. For a form whose background is set.
+    void setHeight(int height, std::initializer_list<QWidget*> children);
     /// Whether the form can be dragged; it can at first.
     void setMovable(bool movable) { m_movable = movable; }
 
@@ -34,6 +38,8 @@ protected:
 
 private:
     QImage m_background;
+    QString m_backgroundName;
+    int m_tallest = 0; ///< the height it is drawn for; 0 before setHeight()
     bool m_movable = true;
     std::unique_ptr<Ui::AbstractTessaportForm> m_ui;
     QPoint m_lastMousePos;

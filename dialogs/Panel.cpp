@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Panel.h"
 
+#include "dialogs/WindowPlace.h"
+
 #include <QAbstractButton>
-#include <QApplication>
-#include <QDesktopWidget>
 #include <QMouseEvent>
 
 void dragWindow(QWidget* window, QPoint& lastMousePos, QEvent* event)
@@ -31,7 +31,6 @@ void keepMouseWithButtons(QWidget* window)
 
 void centreOnScreen(QWidget* window)
 {
-    // Asked of the desktop widget, since the window has no screen of its own before it is shown.
-    const QPoint centre = QApplication::desktop()->availableGeometry(window).center();
+    const QPoint centre = availableArea(window).center();
     window->move(int(centre.x() - 0.5 * window->width()), int(centre.y() - 0.5 * window->height()));
 }

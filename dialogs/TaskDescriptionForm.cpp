@@ -5,16 +5,17 @@
 #include "dialogs/ElidedLabel.h"
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/ScrollText.h"
+#include "dialogs/WindowPlace.h"
 #include "res/Resources.h"
 #include "service/TessaPort.h"
 #include "ui_TaskDescriptionForm.h"
 
-#include <QApplication>
 #include <QDebug>
-#include <QDesktopWidget>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QSignalBlocker>
+
+#include <algorithm>
 
 namespace {
 
@@ -80,8 +81,11 @@ TaskDescriptionForm::TaskDescriptionForm(const QString& taskId, TessaPort* servi
         picture(QStringLiteral(":/images/res/images/task_desc_dialog/attachment_icon.png")));
     setBackground(QStringLiteral(":/images/res/images/big_fon.png"));
     setMovable(false);
-    const QRect area = QApplication::desktop()->availableGeometry(this);
-    move(area.right() - listForm->width() - width(), listForm->y());
+    placeInArea(this, [this, listForm, tallest = height()] {
+        const QRect area = availableArea(this);
+        setHeight(std::min(tallest, area.height()), {m_ui->mainWidget, m_ui->copyrightTasksWidget});
+        move(area.right() - listForm->width() - width(), listForm->y());
+    });
 
     m_ui->pbCopyrightTasks->setStyleSheet(pageButtonStyle());
     m_ui->pbMainInfo->setStyleSheet(m_ui->pbCopyrightTasks->styleSheet());

@@ -5,16 +5,18 @@
 #include "dialogs/ElidedLabel.h"
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/TaskDescriptionForm.h"
+#include "dialogs/WindowPlace.h"
 #include "mainwindow/AbstractMainForm.h"
 #include "res/Resources.h"
 #include "service/TessaPort.h"
 #include "ui_TaskListForm.h"
 
 #include <QApplication>
-#include <QDesktopWidget>
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QSignalBlocker>
+
+#include <algorithm>
 
 namespace {
 
@@ -50,8 +52,12 @@ TaskListForm::TaskListForm(TessaPort* service, AbstractMainForm* mainForm, QWidg
     m_ui->lbIcon->setPixmap(picture(QStringLiteral(":/images/pbComment.png")));
     setBackground(QStringLiteral(":/images/res/images/big_fon.png"));
     setMovable(false);
-    const QRect area = QApplication::desktop()->availableGeometry(this);
-    move(area.right() - width(), area.bottom() - (height() + mainForm->height()));
+    placeInArea(this, [this, tallest = height()] {
+        const QRect area = availableArea(this);
+        const int room = area.height() - 1 - m_mainForm->height();
+        setHeight(std::min(tallest, room), {m_ui->listWidget});
+        move(area.right() - width(), area.bottom() - (height() + m_mainForm->height()));
+    });
 
     const Session* session = service->session();
     connect(service, &TessaPort::teamChanged, this, &TaskListForm::onCurrentTeamChanged);

@@ -1,10 +1,41 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/WindowPlace.h"
 
+#include <QApplication>
+#include <QDesktopWidget>
 #include <QEvent>
+#include <QScreen>
 #include <QWidget>
 
+#include <algorithm>
+
 namespace {
+
+/// The rectangle moved into the area as far as it has to be; what is larger begins where the area
+/// does.
+QRect movedInto(const QRect& area, QRect rect)
+{
+    rect.moveRight(std::min(rect.right(), area.right()));
+    rect.moveBottom(std::min(rect.bottom(), area.bottom()));
+    rect.moveLeft(std::max(rect.left(), area.left()));
+    rect.moveTop(std::max(rect.top(), area.top()));
+    return rect;
+}
+
+/// Behind the change, when all of Qt knows of it.
+void whenAreaChanges(QObject* context, const std::function<void()>& function)
+{
+    const auto watch = [context, function](const QScreen* screen) {
+        QObject::connect(screen, &QScreen::availableGeometryChanged, context, function,
+                         Qt::QueuedConnection);
+    };
+    const QList<QScreen*> screens = QGuiApplication::screens();
+    std::for_each(screens.cbegin(), screens.cend(), watch);
+    QObject::connect(qApp, &QGuiApplication::screenAdded, context, watch);
+    for (const auto change : {&QGuiApplication::screenAdded, &QGuiApplication::screenRemoved,
+                              &QGuiApplication::primaryScreenChanged})
+        QObject::connect(qApp, change, context, function, Qt::QueuedConnection);
+}
 
 class PlaceKeeper : public QObject {
 public:
@@ -13,11 +44,15 @@ public:
         , m_window(window)
     {
         window->installEventFilter(this);
+        whenAreaChanges(this, [this] { keepInside(); });
     }
 
     bool eventFilter(QObject*, QEvent* event) override
     {
         if (event->type() == QEvent::Show && !event->spontaneous()) {
+            // A window manager would take the size down to a multiple of the scale factor.
+            m_window->setFixedSize(m_window->size());
+            keepInside();
             m_place = m_window->pos();
             m_isSettling = true;
         } else if (event->type() == QEvent::WindowActivate) {
@@ -29,6 +64,13 @@ public:
     }
 
 private:
+    void keepInside()
+    {
+        // One that was never moved is placed by the window system.
+        if (m_window->testAttribute(Qt::WA_Moved))
+            m_window->move(movedInto(availableArea(m_window), m_window->geometry()).topLeft());
+    }
+
     void keepPlace(bool isMovedBySystem)
     {
         if (!isMovedBySystem) {
@@ -48,7 +90,19 @@ private:
 
 } // namespace
 
+QRect availableArea(const QWidget* window)
+{
+    // Asked of the desktop widget, since a window has no screen of its own before it is shown.
+    return QApplication::desktop()->availableGeometry(window);
+}
+
 void keepPlaceWhenShown(QWidget* window)
 {
     new PlaceKeeper(window);
+}
+
+void placeInArea(QWidget* window, const std::function<void()>& place)
+{
+    place();
+    whenAreaChanges(window, place);
 }

@@ -1,9 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QRect>
+
+#include <functional>
+
 class QWidget;
+
+/// Where windows may stand on the screen of this window, which is the first one before it is shown.
+QRect availableArea(const QWidget* window);
 
 /// Makes a frameless window know its place after each show. A window manager that puts it into a
 /// frame of its own can make Qt believe that it went to the corner of the screen, where it is not:
 /// then a drag would start from there, and lists and tool tips would open there.
+///
+/// Besides, the window keeps its size, and never stands outside the area that is available.
 void keepPlaceWhenShown(QWidget* window);
+
+/// Has the window placed, now and whenever the available area changes.
+void placeInArea(QWidget* window, const std::function<void()>& place);

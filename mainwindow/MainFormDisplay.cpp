@@ -14,9 +14,7 @@
 #include "service/TessaPort.h"
 #include "ui_MainForm.h"
 
-#include <QApplication>
 #include <QCursor>
-#include <QDesktopWidget>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
@@ -43,8 +41,10 @@ void MainForm::setupWindow()
     m_mainImage = panelImage(QStringLiteral(":/images/main.png"));
     setWindowFlags((windowFlags() & Qt::Dialog) | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint
                    | Qt::WindowStaysOnTopHint);
-    const QRect available = QApplication::desktop()->availableGeometry(this);
-    move(available.right() - width(), available.bottom() - height());
+    placeInArea(this, [this] {
+        const QRect area = availableArea(this);
+        move(area.right() - width(), area.bottom() - height());
+    });
     keepPlaceWhenShown(this);
     // Else the first button would have the focus, and show it, before anybody has touched a key.
     setFocusPolicy(Qt::ClickFocus);

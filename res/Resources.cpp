@@ -102,3 +102,22 @@ void paintPanel(QPainter& painter, const QImage& panel)
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     painter.drawImage(QRectF(painter.viewport()), panel, QRectF(panel.rect()));
 }
+
+QImage shortenedPanel(const QImage& panel, int rows, qreal scale)
+{
+    // The title with the line below it; the corners and the shadow.
+    const int head = qRound(40 * scale);
+    const int foot = qRound(20 * scale);
+    QImage image(panel.width(), rows, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    const auto draw = [&](int from, int fromRows, int to, int toRows) {
+        painter.drawImage(QRect(0, to, image.width(), toRows), panel,
+                          QRect(0, from, panel.width(), fromRows));
+    };
+    draw(0, head, 0, head);
+    draw(head, panel.height() - head - foot, head, rows - head - foot);
+    draw(panel.height() - foot, foot, rows - foot, foot);
+    return image;
+}

@@ -37,3 +37,7 @@ QImage panelImage(const QString& resource);
 
 /// The whole picture, stretched to the painter's viewport.
 void paintPanel(QPainter& painter, const QImage& panel);
+
+/// The panel with fewer rows, for a window that is lower than it is drawn: taken from between its
+/// head and its foot, which keep their form. `scale` is the number of rows a unit.
+QImage shortenedPanel(const QImage& panel, int rows, qreal scale);
