@@ -30,7 +30,7 @@ public:
     QKeySequence shortcut() const;
 
     /// Gives back the combination held and asks for the first one of this sequence. False, and a
-    /// warning in the log, when the system refuses it, as it refuses an empty one.
+    /// warning in the log, when the system refuses it. An empty one is asked for like any other.
     bool setShortcut(const QKeySequence& shortcut);
 
     bool isEnabled() const;

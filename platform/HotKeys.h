@@ -17,8 +17,8 @@ quint32 nativeKeyCode(Qt::Key key);
 quint32 nativeModifiers(Qt::KeyboardModifiers modifiers);
 
 /// Asks the system to tell this program of the combination, whichever window has the focus.
-/// False when the system refuses, as a rule because somebody holds it already, this program
-/// included, or because the keyboard has no such key.
+/// False when somebody holds it already, this program included, and on X11 for a key that the
+/// keyboard has not; what Windows says to a key that there is not is its own affair.
 bool registerHotKey(NativeKeys keys);
 
 /// Gives the combination back; false when the system refuses.

@@ -8,7 +8,7 @@
 #include <QX11Info>
 
 #include <xcb/xcb.h>
-#include <xcb/xcb_keysyms.h>
+#include <xkbcommon/xkbcommon-x11.h>
 
 #include <algorithm>
 #include <memory>
@@ -17,10 +17,10 @@ namespace platform {
 
 namespace {
 
-struct KeySymbolsDeleter {
-    void operator()(xcb_key_symbols_t* symbols) const { xcb_key_symbols_free(symbols); }
+struct KeymapDeleter {
+    void operator()(xkb_keymap* keymap) const { xkb_keymap_unref(keymap); }
 };
-using KeySymbols = std::unique_ptr<xcb_key_symbols_t, KeySymbolsDeleter>;
+using Keymap = std::unique_ptr<xkb_keymap, KeymapDeleter>;
 
 /// What is grabbed of the X server for a combination.
 struct Grab {
@@ -40,18 +40,77 @@ QVector<Grab>& grabs()
     return registered;
 }
 
-/// 0 when the keyboard has no such key.
-xcb_keycode_t keycodeOf(xcb_key_symbols_t* symbols, xcb_keysym_t keysym)
+/// The keyboard as it is set now; null when the server can't tell.
+Keymap currentKeymap(xcb_connection_t* connection)
 {
-    const XcbPointer<xcb_keycode_t> keycodes(xcb_key_symbols_get_keycode(symbols, keysym));
-    return keycodes ? keycodes.get()[0] : xcb_keycode_t(XCB_NO_SYMBOL);
+    struct ContextDeleter {
+        void operator()(xkb_context* context) const { xkb_context_unref(context); }
+    };
+    const std::unique_ptr<xkb_context, ContextDeleter> context(
+        xkb_context_new(XKB_CONTEXT_NO_FLAGS));
+    const int keyboard = xkb_x11_get_core_keyboard_device_id(connection);
+    if (!context || keyboard < 0)
+        return nullptr;
+    return Keymap(xkb_x11_keymap_new_from_device(context.get(), connection, keyboard,
+                                                 XKB_KEYMAP_COMPILE_NO_FLAGS));
+}
+
+/// Whether the key gives one of the symbols in this group of the keyboard, at this level of it.
+bool gives(xkb_keymap* keymap, xkb_keycode_t key, xkb_layout_index_t group, xkb_level_index_t level,
+           xkb_keysym_t keysym)
+{
+    // A key with fewer groups would answer for another one, and which one is its own affair.
+    if (group >= xkb_keymap_num_layouts_for_key(keymap, key))
+        return false;
+    const xkb_keysym_t* symbols = nullptr;
+    const int count = xkb_keymap_key_get_syms_by_level(keymap, key, group, level, &symbols);
+    return std::any_of(symbols, symbols + count, [keysym](xkb_keysym_t symbol) {
+        return symbol == keysym || symbol == xkb_keysym_to_lower(keysym);
+    });
+}
+
+/// Where a letter is on a Latin keyboard, for a keyboard that has none; 0 for what is no letter.
+xkb_keycode_t latinPlace(xkb_keymap* keymap, xkb_keysym_t keysym)
+{
+    // By rows, as the keys are called in the X keyboard extension.
+    const QPair<const char*, QByteArray> rows[] = {
+        {"AD", QByteArrayLiteral("QWERTYUIOP")},
+        {"AC", QByteArrayLiteral("ASDFGHJKL")},
+        {"AB", QByteArrayLiteral("ZXCVBNM")},
+    };
+    for (const auto& [row, letters] : rows) {
+        const int place = keysym <= 'Z' ? letters.indexOf(char(keysym)) : -1;
+        if (place < 0)
+            continue;
+        const QByteArray name = row + QByteArray::number(place + 1).rightJustified(2, '0');
+        const xkb_keycode_t key = xkb_keymap_key_by_name(keymap, name.constData());
+        return key == XKB_KEYCODE_INVALID ? 0 : key;
+    }
+    return 0;
+}
+
+/// The key whose symbol this is in the first group that has it: with several layouts the one that
+/// somebody put first. 0 when the keyboard has no such key.
+xcb_keycode_t keycodeOf(xkb_keymap* keymap, xkb_keysym_t keysym)
+{
+    constexpr xkb_level_index_t mostLevels = 8;
+    const xkb_keycode_t first = xkb_keymap_min_keycode(keymap);
+    const xkb_keycode_t last = std::min<xkb_keycode_t>(xkb_keymap_max_keycode(keymap), 255);
+    for (xkb_layout_index_t group = 0; group < xkb_keymap_num_layouts(keymap); ++group) {
+        for (xkb_level_index_t level = 0; level < mostLevels; ++level) {
+            for (xkb_keycode_t key = first; key <= last; ++key) {
+                if (gives(keymap, key, group, level, keysym))
+                    return xcb_keycode_t(key);
+            }
+        }
+    }
+    return xcb_keycode_t(latinPlace(keymap, keysym));
 }
 
 /// The modifier bit that the Num Lock key switches on this keyboard; 0 when none does.
-quint16 numLockModifier(xcb_connection_t* connection, xcb_key_symbols_t* symbols)
+quint16 numLockModifier(xcb_connection_t* connection, xkb_keymap* keymap)
 {
-    constexpr xcb_keysym_t numLockKeysym = 0xff7f;
-    const xcb_keycode_t numLock = keycodeOf(symbols, numLockKeysym);
+    const xcb_keycode_t numLock = keycodeOf(keymap, XKB_KEY_Num_Lock);
     const XcbPointer<xcb_get_modifier_mapping_reply_t> mapping(
         xcb_get_modifier_mapping_reply(connection, xcb_get_modifier_mapping(connection), nullptr));
     if (!mapping || numLock == XCB_NO_SYMBOL)
@@ -120,21 +179,23 @@ bool registerHotKey(NativeKeys keys)
     if (!connection || keys.first == XCB_NO_SYMBOL)
         return false;
 
-    const auto isSame = [keys](const Grab& grab) { return grab.keys == keys; };
-    if (std::any_of(grabs().cbegin(), grabs().cend(), isSame))
-        return false;
-
-    const KeySymbols symbols(xcb_key_symbols_alloc(connection));
-    if (!symbols)
+    const Keymap keymap = currentKeymap(connection);
+    if (!keymap)
         return false;
     Grab grab;
     grab.keys = keys;
-    grab.keycode = keycodeOf(symbols.get(), keys.first);
+    grab.keycode = keycodeOf(keymap.get(), keys.first);
     if (grab.keycode == XCB_NO_SYMBOL)
+        return false;
+    // The server would grant one program the same grab twice, and two combinations may end on it.
+    const auto isSame = [&grab](const Grab& held) {
+        return held.keycode == grab.keycode && held.keys.second == grab.keys.second;
+    };
+    if (std::any_of(grabs().cbegin(), grabs().cend(), isSame))
         return false;
 
     const quint16 modifiers = quint16(keys.second);
-    const quint16 numLock = numLockModifier(connection, symbols.get());
+    const quint16 numLock = numLockModifier(connection, keymap.get());
     grab.modifiers = {modifiers, quint16(modifiers | XCB_MOD_MASK_LOCK)};
     if (numLock != 0) {
         grab.modifiers.append(quint16(modifiers | numLock));

@@ -9,8 +9,8 @@ namespace platform {
 
 namespace {
 
-// The exclusive-or of the two values: different combinations can meet on one id, and the later
-// one is then refused or takes the earlier one's place, as the system decides.
+// The exclusive-or of the two values, on purpose: different combinations can meet on one id. The
+// system keeps both then, and what gives back the one may give back the other.
 int hotKeyId(NativeKeys keys)
 {
     return static_cast<int>(keys.second ^ keys.first);

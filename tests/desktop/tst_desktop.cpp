@@ -101,17 +101,12 @@ void DesktopTest::hotKeysRefused()
     QVERIFY(probe.waitForReadyRead());
     QCOMPARE(probe.readAllStandardOutput().trimmed(), QByteArray("held"));
     QxtGlobalShortcut holder(m_otherKeys);
-    QVector<QKeySequence> refused{m_keys, m_otherKeys};
-#ifndef Q_OS_WIN // It lets a program have keys that there are not.
-    refused << QKeySequence(Qt::CTRL | Qt::Key_Eacute) << QKeySequence();
-#endif
-    for (const QKeySequence& keys : qAsConst(refused)) {
+    for (const QKeySequence& keys : {m_keys, m_otherKeys}) {
         QxtGlobalShortcut shortcut;
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("to register")));
         QVERIFY2(!shortcut.setShortcut(keys), qPrintable(keys.toString()));
         QCOMPARE(shortcut.shortcut(), keys);
-        if (!keys.isEmpty())
-            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("to unregister")));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("to unregister")));
     }
     QSignalSpy activated(&holder, &QxtGlobalShortcut::activated);
     RealInput::pressKeys(m_otherKeys);
