@@ -133,10 +133,16 @@ void TessaPort::setOnlineByResult(int code)
     emit onlineChanged(message);
 }
 
-void TessaPort::sslErrorHandler(QNetworkReply* qnr, QList<QSslError>)
+void TessaPort::sslErrorHandler(QNetworkReply* qnr, QList<QSslError> errors)
 {
-    if (!ServiceAddress::verifiesCertificates())
+    if (!ServiceAddress::verifiesCertificates()) {
         qnr->ignoreSslErrors();
+        return;
+    }
+    QStringList reasons;
+    for (const QSslError& error : qAsConst(errors))
+        reasons.append(error.errorString());
+    qWarning() << "Certificate refused:" << reasons.join(QStringLiteral("; "));
 }
 
 // What is reachable is learned from replies alone.

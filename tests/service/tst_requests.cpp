@@ -61,6 +61,24 @@ private slots:
         }
     }
 
+    void untrustedCertificate()
+    {
+        standIn().reset();
+        // Over a connection of its own: one that is there would not be asked again.
+        TessaPort other;
+        other.session()->setIsOnline(true);
+        QSignalSpy offline(&other, &TessaPort::onlineChanged);
+        setTestVerifiesCertificates(true);
+        QTest::ignoreMessage(
+            QtWarningMsg,
+            QRegularExpression(QStringLiteral("^Certificate refused: .*self.signed")));
+        other.requestTeamsAndTasks();
+        const bool isOffline = offline.wait();
+        setTestVerifiesCertificates(false);
+        QVERIFY(isOffline);
+        QVERIFY(standIn().requests().isEmpty());
+    }
+
     void signIn()
     {
         QSignalSpy error(&client(), &TessaPort::error);

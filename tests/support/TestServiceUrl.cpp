@@ -11,11 +11,18 @@ QString& testServiceUrl()
     return url;
 }
 
+bool testVerifiesCertificates = false;
+
 } // namespace
 
 void setTestServiceUrl(const QString& url)
 {
     testServiceUrl() = url;
+}
+
+void setTestVerifiesCertificates(bool verifies)
+{
+    testVerifiesCertificates = verifies;
 }
 
 QString ServiceAddress::baseUrl()
@@ -25,5 +32,5 @@ QString ServiceAddress::baseUrl()
 
 bool ServiceAddress::verifiesCertificates()
 {
-    return false;
+    return testVerifiesCertificates;
 }
