@@ -19,7 +19,8 @@ if(NOT "$ENV{QT_WINDOWS_DIR}" STREQUAL "")
     set(TESSAPORT_QT_WINDOWS ${tessaport_qt} CACHE PATH "Folder of Qt for Windows" FORCE)
 endif()
 if(NOT EXISTS "${TESSAPORT_QT_WINDOWS}/lib/cmake/Qt5/Qt5Config.cmake")
-    message(FATAL_ERROR "QT_WINDOWS_DIR has to name the folder of Qt for Windows")
+    message(FATAL_ERROR "QT_WINDOWS_DIR has to name the folder of Qt for Windows; "
+        "packaging/windows/build-qt.sh FOLDER builds it, once.")
 endif()
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES TESSAPORT_QT_WINDOWS)
 
