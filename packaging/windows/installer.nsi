@@ -21,12 +21,16 @@ SetCompressor /SOLID lzma
 !define UPDATER "TPMC-update.exe"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\${NAME}"
 !define RUN_KEY "Software\Microsoft\Windows\CurrentVersion\Run"
+; The value for the start at logon bears no quotes, so that the folder should have no blanks. That of
+; earlier versions had.
+!define FOLDER "$LOCALAPPDATA\Programs\${COMPANY}"
+!define EARLIER_FOLDER "$LOCALAPPDATA\Programs\${NAME}"
 
 Name "${NAME}"
 OutFile "${OUTPUT}"
 RequestExecutionLevel user
 ManifestDPIAware true
-InstallDir "$LOCALAPPDATA\Programs\${NAME}"
+InstallDir "${FOLDER}"
 InstallDirRegKey HKCU "${UNINSTALL_KEY}" "InstallLocation"
 BrandingText "${NAME} ${VERSION}"
 
@@ -70,6 +74,36 @@ Var wasRunning
     ${Loop}
 !macroend
 
+Function .onInit
+    ; An installation is renewed where it is, but for this.
+    ${If} $INSTDIR == "${EARLIER_FOLDER}"
+        StrCpy $INSTDIR "${FOLDER}"
+    ${EndIf}
+FunctionEnd
+
+; $0 becomes what starts at logon, with the slashes of Windows: the program writes forward ones.
+!macro readRunValue
+    ReadRegStr $0 HKCU "${RUN_KEY}" "${NAME}"
+    ${WordReplace} "$0" "/" "\" "+" $0
+!macroend
+
+; Brings along what an earlier version left in its folder.
+Function leaveEarlierFolder
+    ${IfNot} ${FileExists} "${EARLIER_FOLDER}\${FILE}"
+        Return
+    ${EndIf}
+    Rename "${EARLIER_FOLDER}\${UPDATER}" "$INSTDIR\${UPDATER}"
+    Delete "${EARLIER_FOLDER}\${UPDATER}"
+    Delete "${EARLIER_FOLDER}\${FILE}"
+    Delete "${EARLIER_FOLDER}\uninstall.exe"
+    RMDir "${EARLIER_FOLDER}"
+    !insertmacro readRunValue
+    ${If} $0 == "${EARLIER_FOLDER}\${FILE}"
+        ${WordReplace} "$INSTDIR\${FILE}" "\" "/" "+" $0
+        WriteRegStr HKCU "${RUN_KEY}" "${NAME}" "$0"
+    ${EndIf}
+FunctionEnd
+
 Function startProgram
     ; The program looks for its update program in the folder it is started in.
     SetOutPath "$INSTDIR"
@@ -80,6 +114,7 @@ Section
     !insertmacro closeMonitor
     SetOutPath "$INSTDIR"
     File "/oname=${FILE}" "${PROGRAM}"
+    Call leaveEarlierFolder
     WriteUninstaller "$INSTDIR\uninstall.exe"
     CreateShortcut "$SMPROGRAMS\${NAME}.lnk" "$INSTDIR\${FILE}"
 
@@ -107,10 +142,8 @@ Section "un.Remove"
     ; A folder in use as someone's working directory can't be removed.
     SetOutPath "$TEMP"
 
-    ; The entry of the start at logon goes if it means this copy. The program writes it with
-    ; forward slashes.
-    ReadRegStr $0 HKCU "${RUN_KEY}" "${NAME}"
-    ${WordReplace} "$0" "/" "\" "+" $0
+    ; The entry of the start at logon goes if it means this copy.
+    !insertmacro readRunValue
     ${If} $0 == "$INSTDIR\${FILE}"
         DeleteRegValue HKCU "${RUN_KEY}" "${NAME}"
     ${EndIf}
