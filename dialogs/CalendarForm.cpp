@@ -123,7 +123,7 @@ void CalendarForm::setUpCalendar()
     QTextCharFormat header = calendar->headerTextFormat();
     header.setFontCapitalization(QFont::Capitalize);
     calendar->setHeaderTextFormat(header);
-    // Smaller than the days: the longest months would touch the year.
+    // The window's font and not the calendar's: in that, the longest months would touch the year.
     QFont titleFont = font();
     titleFont.setCapitalization(QFont::Capitalize);
     month->setFont(titleFont);
