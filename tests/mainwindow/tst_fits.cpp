@@ -1,0 +1,271 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/Application.h"
+#include "dialogs/AboutForm.h"
+#include "dialogs/CalendarForm.h"
+#include "dialogs/ElidedLabel.h"
+#include "dialogs/LoginForm.h"
+#include "dialogs/TaskDescriptionForm.h"
+#include "dialogs/TaskForm.h"
+#include "dialogs/TaskListForm.h"
+#include "mainwindow/MainForm.h"
+#include "notifications/NotificationForm.h"
+#include "notifications/NotificationType.h"
+#include "service/TessaPort.h"
+#include "support/TestMain.h"
+#include "update/UpdateState.h"
+
+#include <QCalendarWidget>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QStyleOptionButton>
+#include <QTableView>
+#include <QTextEdit>
+#include <QTimeEdit>
+#include <QToolButton>
+
+#include <cmath>
+#include <vector>
+
+namespace {
+
+const QString teamId = QStringLiteral("17");
+const QString taskId = QStringLiteral("1");
+
+/// What the widget's text needs beyond what there is for it, as text; empty when it fits.
+QString lack(const QWidget* widget, const QSize& needed, const QSize& given)
+{
+    if (needed.width() <= given.width() && needed.height() <= given.height())
+        return QString();
+    return QStringLiteral("%1 of %2: %3x%4 in %5x%6")
+        .arg(widget->objectName(), QLatin1String(widget->window()->metaObject()->className()))
+        .arg(needed.width())
+        .arg(needed.height())
+        .arg(given.width())
+        .arg(given.height());
+}
+
+/// As wide as the text runs, and as high as its ink: some lines are lower than those of a
+/// paragraph.
+QSize textSize(const QWidget* widget, const QString& text)
+{
+    const QFontMetrics metrics(widget->font());
+    return {metrics.horizontalAdvance(text), metrics.tightBoundingRect(text).height()};
+}
+
+QString lackOfLabel(const QLabel* label)
+{
+    // A text from outside may be shortened, and there is a tool tip for it.
+    if (dynamic_cast<const ElidedLabel*>(label) || label->text().isEmpty())
+        return QString();
+    if (Qt::mightBeRichText(label->text()))
+        return lack(label, label->sizeHint(), label->size());
+    if (label->wordWrap())
+        return lack(label, {0, label->heightForWidth(label->width())}, label->size());
+    return lack(label, textSize(label, label->text()), label->contentsRect().size());
+}
+
+QString lackOfButton(const QPushButton* button)
+{
+    QStyleOptionButton option;
+    option.initFrom(button);
+    return lack(
+        button, textSize(button, button->text()),
+        button->style()->subElementRect(QStyle::SE_PushButtonContents, &option, button).size());
+}
+
+QStringList lacksOfCalendar(QCalendarWidget* calendar)
+{
+    QStringList lacks;
+    const auto days = calendar->findChild<QTableView*>(QStringLiteral("qt_calendar_calendarview"));
+    // What an item view leaves free beside a text, before it shortens it.
+    const int margin = days->style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1;
+    for (int row = 0; row < 7; ++row) {
+        for (int column = 0; column < 7; ++column) {
+            const QModelIndex index = days->model()->index(row, column);
+            lacks << lack(days, textSize(days, index.data().toString()),
+                          days->visualRect(index).adjusted(margin, 0, -margin, 0).size());
+        }
+    }
+    for (const char* name : {"qt_calendar_monthbutton", "qt_calendar_yearbutton"}) {
+        const auto button = calendar->findChild<QToolButton*>(QLatin1String(name));
+        for (int month = 1; month <= 12; ++month) {
+            calendar->setCurrentPage(2028, month);
+            QString text = button->text();
+            text[0] = text[0].toUpper();
+            lacks << lack(button, textSize(button, text), button->size());
+        }
+    }
+    return lacks;
+}
+
+/// Every text of the program's own in the window that does not fit its place.
+QStringList lacks(QWidget* window)
+{
+    QStringList lacks;
+    for (const auto label : window->findChildren<QLabel*>()) {
+        if (label->isVisible())
+            lacks << lackOfLabel(label);
+    }
+    for (const auto button : window->findChildren<QPushButton*>()) {
+        if (button->isVisible())
+            lacks << lackOfButton(button);
+    }
+    for (const auto calendar : window->findChildren<QCalendarWidget*>())
+        lacks << lacksOfCalendar(calendar);
+    for (const auto time : window->findChildren<QTimeEdit*>()) {
+        const auto line = time->findChild<QLineEdit*>();
+        lacks << lack(time, textSize(line, line->text()), line->size());
+    }
+    lacks.removeAll(QString());
+    return lacks;
+}
+
+} // namespace
+
+/// All windows as they come up, on a desktop of whatever size and resolution.
+class FitsTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        QFile file(QStringLiteral(":/qss/main.qss"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        qApp->setStyleSheet(QString::fromUtf8(file.readAll()));
+        QApplication::setFont(QApplication::font());
+
+        m_service = std::make_unique<TessaPort>();
+        UpdateState::instance()->init(m_service.get());
+        Session* const session = m_service->session();
+        session->load(QStringLiteral("a@b"), QStringLiteral("p"));
+        session->setIsOnline(false);
+        Task task;
+        task.id = taskId;
+        task.title = QStringLiteral("Сверстать карточку товара по новому макету");
+        task.deadline = QDateTime::currentDateTime().addDays(-12).addSecs(-86000);
+        session->setTasks({task}, teamId);
+        session->setTeamID(teamId);
+        session->setTaskID(taskId);
+        m_strip = std::make_unique<MainForm>(m_service.get(), nullptr);
+        m_list = m_strip->findChild<TaskListForm*>();
+    }
+
+    void cleanupTestCase()
+    {
+        m_windows.clear();
+        m_strip.reset();
+        m_service.reset();
+    }
+
+    void windows_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const char* name : {"strip", "sign-in", "picker", "list", "description", "texts",
+                                 "deadline", "about", "notice", "update"})
+            QTest::newRow(name) << QString::fromLatin1(name);
+    }
+
+    void windows()
+    {
+        QFETCH(QString, name);
+        QWidget* const window = windowOf(name);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window));
+        QCOMPARE(lacks(window).join(QStringLiteral("; ")), QString());
+
+        const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
+        QTRY_VERIFY2(
+            area.contains(window->geometry()),
+            qPrintable(QStringLiteral("%1 at %2, %3").arg(name).arg(window->x()).arg(window->y())));
+        takePicture(window, name);
+    }
+
+    /// Drawn from the picture in double size, and shrunk: no edge may be thicker than its opposite.
+    void edgesOfAButton()
+    {
+        CalendarForm form;
+        form.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&form));
+        const QPushButton* const button =
+            form.findChild<QPushButton*>(QStringLiteral("pbTessaport"));
+        const QImage image = form.grab().toImage();
+        const qreal ratio = image.devicePixelRatio();
+        const QRectF place(QPointF(button->geometry().topLeft()) * ratio,
+                           QSizeF(button->size()) * ratio);
+        // How much darker than the fill: the sum over the columns of an edge.
+        const auto ink = [&](int from, int to) {
+            qreal sum = 0;
+            for (int x = from; x < to; ++x)
+                sum += 255 - image.pixelColor(x, int(place.center().y())).blue();
+            return sum;
+        };
+        const int width = int(std::ceil(3 * ratio));
+        const qreal left = ink(int(place.left()), int(place.left()) + width);
+        const qreal right =
+            ink(int(std::ceil(place.right())) - width, int(std::ceil(place.right())));
+        QVERIFY2(left > 100 && std::abs(left - right) < 0.3 * left,
+                 qPrintable(QStringLiteral("%1 and %2").arg(left).arg(right)));
+    }
+
+private:
+    QWidget* windowOf(const QString& name)
+    {
+        if (name == QLatin1String("strip"))
+            return m_strip.get();
+        if (name == QLatin1String("list"))
+            return m_list;
+        std::unique_ptr<QWidget> made;
+        if (name == QLatin1String("sign-in"))
+            made = std::make_unique<LoginForm>(m_service.get(), nullptr);
+        else if (name == QLatin1String("picker"))
+            made = std::make_unique<TaskForm>(m_strip.get(), nullptr);
+        else if (name == QLatin1String("deadline"))
+            made = std::make_unique<CalendarForm>();
+        else if (name == QLatin1String("about"))
+            made = std::make_unique<AboutForm>(m_service.get(), nullptr);
+        else if (name == QLatin1String("notice") || name == QLatin1String("update"))
+            made = notice(name == QLatin1String("update") ? UpdateAvailable : TaskAdded);
+        else
+            made = description(name == QLatin1String("texts"));
+        m_windows.push_back(std::move(made));
+        return m_windows.back().get();
+    }
+
+    std::unique_ptr<QWidget> notice(int type)
+    {
+        auto form = std::make_unique<NotificationForm>(QStringLiteral("1.10.2"), type, QString(),
+                                                       m_strip.get());
+        form->placeInSlot(0);
+        return form;
+    }
+
+    std::unique_ptr<QWidget> description(bool showsTexts)
+    {
+        auto form = std::make_unique<TaskDescriptionForm>(taskId, m_service.get(), m_list);
+        if (showsTexts)
+            form->on_pbCopyrightTasks_clicked();
+        return form;
+    }
+
+    /// For people to look at.
+    static void takePicture(QWidget* window, const QString& name)
+    {
+        const QDir folder(QStringLiteral(PICTURE_FOLDER));
+        QVERIFY(folder.mkpath(QStringLiteral(".")));
+        const QImage image = window->grab().toImage();
+        QVERIFY(image.save(folder.filePath(
+            QStringLiteral("%1-%2.png").arg(name).arg(qRound(image.devicePixelRatio() * 100)))));
+    }
+
+    std::unique_ptr<TessaPort> m_service;
+    std::unique_ptr<MainForm> m_strip;
+    /// Kept, and kept in sight: what the display says of one that has gone is logged.
+    std::vector<std::unique_ptr<QWidget>> m_windows;
+    TaskListForm* m_list = nullptr;
+};
+
+TESSAPORT_TEST_MAIN(FitsTest, Application)
+
+#include "tst_fits.moc"
