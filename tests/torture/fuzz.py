@@ -11,7 +11,8 @@ FOLDER = SOURCE / "build/fuzz"
 # More seeds than those in a folder of the target's own.
 SAMPLES = {"inifile": ["tests/session/fixtures/anna@example.com"]}
 # How many inputs each gets with every change: those that write files take their time.
-TARGETS = {"codec": 20000, "replies": 20000, "reports": 20000, "inifile": 3000, "version": 3000}
+TARGETS = {"codec": 100000, "replies": 100000, "reports": 100000, "inifile": 3000,
+           "version": 3000}
 
 
 def run(_build, options):

@@ -36,12 +36,12 @@ def expect(is_kept, text):
         raise Broken(text)
 
 
-def wait_until(is_true, what, seconds=PATIENCE):
+def wait_until(is_true, what, seconds=PATIENCE, pause=0.02):
     end = time.monotonic() + seconds
     while not is_true():
         if time.monotonic() > end:
             raise Broken(f"waited {seconds} s in vain until {what}")
-        time.sleep(0.02)
+        time.sleep(pause)
 
 
 class Build:
