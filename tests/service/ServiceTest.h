@@ -5,6 +5,7 @@
 #include "service/TessaPort.h"
 #include "support/StandIn.h"
 #include "support/TestServiceUrl.h"
+#include "update/UpdateState.h"
 
 #include <QSignalSpy>
 #include <QtTest>
@@ -23,9 +24,20 @@ protected:
         m_standIn.emplace();
         setTestServiceUrl(m_standIn->url());
         m_client.emplace();
+        UpdateState::instance()->init(&*m_client);
         QSignalSpy loginOk(&*m_client, &TessaPort::loginOk);
         m_client->login(QStringLiteral("demo@example.com"), QStringLiteral("demo"));
         return m_standIn->isRunning() && loginOk.wait();
+    }
+
+    /// What the service has answered before is here after so many.
+    void roundTrips()
+    {
+        for (int i = 0; i < 3; ++i) {
+            QSignalSpy updateAvailable(&*m_client, &TessaPort::updateAvailable);
+            m_client->requestVersion();
+            QVERIFY(updateAvailable.wait());
+        }
     }
 
     StandIn& standIn() { return *m_standIn; }

@@ -2,7 +2,6 @@
 #include "ServiceTest.h"
 #include "support/Notices.h"
 #include "support/TestMain.h"
-#include "update/UpdateState.h"
 
 #include <QDesktopServices>
 #include <QPushButton>
@@ -17,11 +16,7 @@ public slots:
     void openPage(const QUrl& url) { m_pages.append(url.toString()); }
 
 private slots:
-    void init()
-    {
-        QVERIFY(start());
-        UpdateState::instance()->init(&client());
-    }
+    void init() { QVERIFY(start()); }
 
     void failuresAndSuccesses()
     {
@@ -147,16 +142,6 @@ private slots:
     }
 
 private:
-    /// What the service has answered before is here after so many.
-    void roundTrips()
-    {
-        for (int i = 0; i < 3; ++i) {
-            QSignalSpy updateAvailable(&client(), &TessaPort::updateAvailable);
-            client().requestVersion();
-            QVERIFY(updateAvailable.wait());
-        }
-    }
-
     QStringList m_pages;
 };
 

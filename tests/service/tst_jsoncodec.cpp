@@ -3,7 +3,6 @@
 #include "support/TestMain.h"
 
 #include <QPoint>
-#include <QRandomGenerator>
 #include <QUrl>
 
 #include <limits>
@@ -18,7 +17,6 @@ private slots:
     void writes();
     void refusesWhatCannotBeWritten();
     void writesInChosenFormats();
-    void survivesRandomText();
 };
 
 namespace {
@@ -175,29 +173,6 @@ void TestJsonCodec::writesInChosenFormats()
         "b": []
     }
 ])"));
-}
-
-void TestJsonCodec::survivesRandomText()
-{
-    const QStringList pieces =
-        QStringLiteral("{ } [ ] : , \" \\ \\u00 \\uD8 true fals null -1.5 42 \"k\": Ж")
-            .split(QLatin1Char(' '));
-    QRandomGenerator random(20200512);
-    int whole = 0;
-    for (int round = 0; round < 20000; ++round) {
-        QString text;
-        for (int i = random.bounded(40); i >= 0; --i)
-            text += pieces[random.bounded(pieces.size())];
-        bool success = false;
-        const QVariant data = JsonCodec::parse(text, success);
-        if (!success)
-            continue;
-        ++whole;
-        const QByteArray written = JsonCodec::serialize(data);
-        const QString readAgain = QString::fromUtf8(written.constData(), written.size());
-        QCOMPARE(JsonCodec::serialize(JsonCodec::parse(readAgain)), written);
-    }
-    QVERIFY(whole > 1000);
 }
 
 TESSAPORT_TEST_MAIN(TestJsonCodec, QCoreApplication)

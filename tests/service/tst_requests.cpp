@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ServiceTest.h"
+#include "support/Notices.h"
 #include "support/TestMain.h"
-#include "update/UpdateState.h"
-
-#include <QApplication>
 
 #include <functional>
 
@@ -39,7 +37,6 @@ private slots:
             {deadline({0, 0}),
              "POST /api_task_deadline_request "
              "&task_id=101&dl_date=2030-01-02&dl_time=00:00&message=%20%D0%B6%26%20"}};
-        UpdateState::instance()->init(&client());
         session().setTaskID(QStringLiteral("101"));
         session().setPassword(QStringLiteral("a b+c&d=e%20#ж\"<"));
         for (const auto& [ask, expected] : rows) {
@@ -87,27 +84,16 @@ private slots:
         QCOMPARE(error.first().first().toInt(), 0);
         QCOMPARE(session().password(), QStringLiteral("demo"));
 
-        // Another user, asked for twice, and an answer for the old one still on its way.
-        QJsonObject data = StandIn::demoData();
-        data[QStringLiteral("accounts")] =
-            QJsonArray{QJsonObject{{QStringLiteral("login"), QStringLiteral("other@example.com")},
-                                   {QStringLiteral("password"), QStringLiteral("p")}}};
+        // Another user, asked for twice.
         session().setTaskID(QStringLiteral("101"));
-        const QString time = QStringLiteral("/api_get_active");
-        standIn().fail(time, QStringLiteral("hang"));
-        client().requestActive(QStringLiteral("1"));
-        QTRY_COMPARE(standIn().requests(time).size(), 1);
-        standIn().setData(data);
         QSignalSpy loginOk(&client(), &TessaPort::loginOk);
         for (int i = 0; i < 2; ++i)
-            client().login(QStringLiteral("other@example.com"), QStringLiteral("p"));
+            client().login(QStringLiteral("anna@example.com"), QStringLiteral("demo"));
         QVERIFY(loginOk.wait());
-        standIn().succeed(time);
-        QTest::qWait(300);
+        roundTrips();
         QCOMPARE(loginOk.size(), 1);
-        QCOMPARE(session().login(), QStringLiteral("other@example.com"));
+        QCOMPARE(session().login(), QStringLiteral("anna@example.com"));
         QVERIFY(session().taskID().isEmpty());
-        QCOMPARE(session().displayWorktime(), QTime(0, 0));
         const QSettings left(
             client().dataDir().filePath(QStringLiteral("demo@example.com/session.ini")),
             QSettings::IniFormat);
@@ -117,7 +103,7 @@ private slots:
         error.clear();
         QSignalSpy online(&client(), &TessaPort::onlineChanged);
         standIn().fail(QStringLiteral("/api_teams"), QStringLiteral("drop-before"));
-        client().login(QStringLiteral("other@example.com"), QStringLiteral("p"));
+        client().login(QStringLiteral("anna@example.com"), QStringLiteral("demo"));
         QVERIFY(online.wait());
         QVERIFY(error.isEmpty());
     }
@@ -168,7 +154,7 @@ private slots:
 
         standIn().fail(path, QStringLiteral("answer"), 1, 0, R"({"status":"no","message":"m"})");
         client().requestTaskInfo(QStringLiteral("7"));
-        QTRY_VERIFY(NotificationManager::instance()->hasNotifications());
+        QTRY_COMPARE(shownNotices().size(), 1);
         QCOMPARE(updated.size(), 1);
 
         // A failed request answers with an empty record, also where there are details.
@@ -177,20 +163,6 @@ private slots:
         QTRY_COMPARE(updated.size(), 2);
         QVERIFY(updated[1][0].value<TaskInfo>().id.isEmpty());
         QCOMPARE(standIn().requests(path).size(), 3);
-    }
-
-    void laterDeadline()
-    {
-        const QPair<const char*, const char*> rows[] = {
-            {R"({"status":"ok","message":"m"})", "Запрос на продление задачи успешно отправлен"},
-            {R"({"status":"no","message":"m"})", "Ошибка переноса задачи:m"}};
-        for (const auto& [reply, notice] : rows) {
-            standIn().fail(QStringLiteral("/api_task_deadline_request"), QStringLiteral("answer"),
-                           1, 0, reply);
-            client().requestDeadline({2030, 1, 2}, QString(), {0, 0});
-            QTRY_COMPARE(noticed(), QString::fromUtf8(notice));
-            NotificationManager::instance()->closeAll();
-        }
     }
 
     void versions()
@@ -205,7 +177,6 @@ private slots:
                     // As texts.
                     {"1.10.0", "1.9.0", true},
                     {"1.9.0", "1.10.0", false}};
-        UpdateState::instance()->init(&client());
         for (const auto& row : rows) {
             QCoreApplication::setApplicationVersion(QLatin1String(row.own));
             const QByteArray file = QByteArray(R"([{"version":"%"}])").replace("%", row.published);
@@ -215,7 +186,7 @@ private slots:
             client().requestVersion();
             QVERIFY(available.wait());
             QCOMPARE(available.first().first().toBool(), row.isNewer);
-            QCOMPARE(NotificationManager::instance()->hasNotifications(), row.isNewer);
+            QCOMPARE(shownNotices().size(), int(row.isNewer));
             NotificationManager::instance()->closeAll();
         }
         QCoreApplication::setApplicationVersion(QStringLiteral("1.1.0"));
@@ -271,18 +242,6 @@ private slots:
         QTRY_COMPARE(onlineChanged.size(), 3);
         QCOMPARE(onlineChanged[0][0].toString(), QString());
         QCOMPARE(onlineChanged[2][0].toString(), QStringLiteral("Ошибка соединения. "));
-    }
-
-private:
-    /// The text of the notice on screen; empty when there is none.
-    static QString noticed()
-    {
-        const QWidgetList windows = QApplication::topLevelWidgets();
-        for (const QWidget* window : windows) {
-            if (window->isVisible() && !window->accessibleName().isEmpty())
-                return window->accessibleName();
-        }
-        return QString();
     }
 };
 
