@@ -4,6 +4,6 @@
 #include <QString>
 
 /// What to set as a tool tip so that a text from outside is read as it stands. The text itself,
-/// unless Qt would take it for markup or it is too long for one line: then it is escaped, wraps at
-/// its blanks, and loses what no screen could show.
+/// unless Qt would take it for markup or it is too long for one line: then it is escaped, wraps,
+/// within words if need be, and loses what no screen could show.
 QString plainToolTip(const QString& text);

@@ -5,6 +5,8 @@
 #include "dialogs/ElidedLabel.h"
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/ScrollText.h"
+#include "dialogs/ServiceTextBrowser.h"
+#include "dialogs/ShortText.h"
 #include "dialogs/WindowPlace.h"
 #include "res/Resources.h"
 #include "service/TessaPort.h"
@@ -21,6 +23,8 @@ namespace {
 
 /// In pixels: it leaves room for the size of the file and for the scroll bar.
 constexpr int longestFileName = 214;
+/// In characters, of what a label shows in one line or a few.
+constexpr int longestLabel = 1000;
 
 // As in the task list, the picture named hovered is the one at rest; this is on purpose.
 QString pageButtonStyle()
@@ -59,7 +63,7 @@ QLabel* rowLabel(const QString& text, QWidget* row)
     const auto label = new ElidedLabel(row);
     label->setObjectName(QStringLiteral("label"));
     label->setTextFormat(Qt::PlainText);
-    label->setText(text);
+    label->setText(shortText(text, longestLabel));
     return label;
 }
 
@@ -136,7 +140,8 @@ void TaskDescriptionForm::updateTask(const TaskInfo& taskInfo)
     m_ui->lbTaskDeadline->setText(
         QStringLiteral("Истекает: ")
         + taskInfo.deadline.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
-    m_ui->lbResponsible->setText(QStringLiteral("Ответственные: ") + responsibleNames(taskInfo));
+    m_ui->lbResponsible->setText(
+        shortText(QStringLiteral("Ответственные: ") + responsibleNames(taskInfo), longestLabel));
     m_ui->lbAttachmentsNumber->setText(QString::number(taskInfo.files.size()));
     updateAttachments(taskInfo.files);
     m_ui->textTask->setText(taskInfo.text);
@@ -213,7 +218,8 @@ void TaskDescriptionForm::updateAttachments(const QList<Attachment>& files)
         name->setToolTip(plainToolTip(file.filenameOrig));
         name->setFixedHeight(23);
         name->setMaximumWidth(longestFileName);
-        const auto size = rowLabel(size_human(float(file.size.toLong())), row);
+        // Of 64 bits on every system, unlike a long.
+        const auto size = rowLabel(size_human(float(file.size.toLongLong())), row);
         size->setFixedHeight(23);
         const auto layout = new QHBoxLayout(row);
         layout->addWidget(name, 0, Qt::AlignLeft);
@@ -242,13 +248,18 @@ void TaskDescriptionForm::updateTextTasksCombobox(const TaskInfo& taskInfo)
 void TaskDescriptionForm::updateTaskText(const TextTask& textTask)
 {
     qDebug() << "TaskDescriptionForm updateTaskText";
-    // Fit for HTML as it is: quotes and angle brackets are encoded in every form of a QUrl.
     const QString page = textTask.page.toString();
-    m_ui->lbUrl->setText(QStringLiteral("URL: <a href=\"") + page
-                         + QStringLiteral("\" style=\"color:rgb(100,100,100)\">") + page
-                         + QStringLiteral("</a>"));
+    const QString escapedPage = page.toHtmlEscaped();
+    // What a click would not open is no link.
+    m_ui->lbUrl->setText(ServiceTextBrowser::isWebPage(textTask.page) && page.size() <= longestLabel
+                             ? QStringLiteral("URL: <a href=\"") + escapedPage
+                                 + QStringLiteral("\" style=\"color:rgb(100,100,100)\">")
+                                 + escapedPage + QStringLiteral("</a>")
+                             : QStringLiteral("URL: ")
+                                 + shortText(page, longestLabel).toHtmlEscaped());
     m_ui->textRequirements->setText(textTask.task);
-    m_ui->lbSignNumber->setText(QStringLiteral("Количество знаков: ") + textTask.minCount);
+    m_ui->lbSignNumber->setText(
+        shortText(QStringLiteral("Количество знаков: ") + textTask.minCount, longestLabel));
     updateKeywords(textTask.keywords);
 }
 

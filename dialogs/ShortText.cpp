@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dialogs/ShortText.h"
+
+QString shortText(const QString& text, int longest)
+{
+    if (text.size() <= longest)
+        return text;
+    // Half of a surrogate pair would be no character.
+    const int end = text.at(longest - 1).isHighSurrogate() ? longest - 1 : longest;
+    return text.left(end) + QChar(0x2026);
+}

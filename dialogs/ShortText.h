@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+/// The text, or, when it has more than `longest` UTF-16 units, its beginning and an ellipsis. For
+/// texts from outside: what measures or draws one takes its time by each character, also of those
+/// that no screen could show.
+QString shortText(const QString& text, int longest);
