@@ -9,6 +9,14 @@ class ElidedLabel : public QLabel {
 public:
     using QLabel::QLabel;
 
+    /// The last so many characters are shown in any case, behind the ellipsis. None at first.
+    void setKeptEnd(int length) { m_keptEnd = length; }
+
 protected:
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString shownText(int room) const;
+
+    int m_keptEnd = 0;
 };

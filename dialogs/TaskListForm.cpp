@@ -65,7 +65,9 @@ TaskListForm::TaskListForm(TessaPort* service, AbstractMainForm* mainForm, QWidg
     connect(mainForm, &AbstractMainForm::showAll, this, &TaskListForm::showAll);
     connect(mainForm, &AbstractMainForm::hideAll, this, &TaskListForm::hideAll);
     connect(qApp, &QApplication::focusChanged, this, &TaskListForm::scrollToFocus);
-    m_currentTeamId = session->teamID();
+    // Esc closes what the button in the corner closes.
+    connect(this, &TaskListForm::rejected, this, &TaskListForm::on_pbHide_clicked);
+    m_currentTeamId = m_sessionTeamId = session->teamID();
     updateTeamCombobox();
 }
 
@@ -73,6 +75,22 @@ TaskListForm::~TaskListForm()
 {
     // A row loses the focus when it is deleted, after the fields of this class.
     disconnect(qApp, nullptr, this, nullptr);
+}
+
+void TaskListForm::bringUpToDate()
+{
+    const Session* const session = m_service->session();
+    if (m_sessionTeamId != session->teamID() || session->team(m_currentTeamId).id.isEmpty())
+        m_currentTeamId = m_sessionTeamId = session->teamID();
+    if (session->team(m_currentTeamId).id.isEmpty() && !session->teams().isEmpty())
+        m_currentTeamId = session->teams().first().id;
+    {
+        // What a change of the index builds is built below.
+        const QSignalBlocker blocker(m_ui->cbTeam);
+        updateTeamCombobox();
+    }
+    fillList(m_currentTeamId);
+    m_firstFill = false;
 }
 
 void TaskListForm::on_pbHide_clicked()
@@ -171,36 +189,44 @@ int TaskListForm::teamIndex(const QString& teamId) const
 
 void TaskListForm::fillList(const QString& teamId)
 {
-    QVector<QWidget*> rows;
-    const QList<Task> tasks = m_service->session()->tasks(teamId);
-    for (const Task& task : tasks) {
-        if (task.isUnassigned())
-            continue;
-        // The separator also stands before a deadline that is not there; this is on purpose.
-        rows << taskRow(task.id,
-                        task.title + QStringLiteral(" | Истекает: ")
-                            + task.deadline.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
-    }
-    setRows(m_ui->listWidget, 26, rows);
-    setWindowTitle(QStringLiteral("Задачи команды \"") + m_service->session()->team(teamId).name
+    const Session* const session = m_service->session();
+    setWindowTitle(QStringLiteral("Задачи команды \"") + session->team(teamId).name
                    + QLatin1Char('"'));
+    QList<Task> tasks = session->tasks(teamId);
+    tasks.removeAll(unassignedTask());
+    const bool isShown =
+        std::equal(tasks.cbegin(), tasks.cend(), m_shownTasks.cbegin(), m_shownTasks.cend(),
+                   [](const Task& task, const Task& other) { return task.hasSameContent(other); });
+    // The place that the user has scrolled to stays.
+    if (isShown)
+        return;
+    QVector<QWidget*> rows;
+    for (const Task& task : qAsConst(tasks))
+        rows << taskRow(task);
+    setRows(m_ui->listWidget, 26, rows);
+    m_shownTasks = tasks;
 }
 
-QWidget* TaskListForm::taskRow(const QString& taskId, const QString& text)
+QWidget* TaskListForm::taskRow(const Task& task)
 {
+    // The separator also stands before a deadline that is not there; this is on purpose.
+    const QString deadline = QStringLiteral(" | Истекает: ")
+        + task.deadline.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    const QString text = task.title + deadline;
     QWidget* const row = newRow(m_ui->listWidget);
 
     const auto label = new ElidedLabel(row);
     label->setObjectName(QStringLiteral("lbTask"));
     label->setTextFormat(Qt::PlainText);
     label->setText(text);
+    label->setKeptEnd(deadline.size());
     label->setToolTip(plainToolTip(text));
     label->setFixedSize(m_ui->listWidget->width() - 112, 16);
 
     const auto button = new QPushButton(row);
     button->setStyleSheet(targetButtonStyle());
     button->setFixedSize(84, 24);
-    button->setProperty(taskIdProperty, taskId);
+    button->setProperty(taskIdProperty, task.id);
     button->setFocusPolicy(Qt::TabFocus);
     button->setText(QStringLiteral("Цели задач"));
     button->setAccessibleDescription(text);

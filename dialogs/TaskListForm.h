@@ -2,7 +2,9 @@
 #pragma once
 
 #include "dialogs/AbstractTessaportForm.h"
+#include "session/Records.h"
 
+#include <QList>
 #include <QString>
 
 #include <map>
@@ -18,7 +20,8 @@ class TaskListForm;
 
 /// The panel above the main window that lists the tasks of a team, each with a button for its
 /// details. It is used beside the other windows: it is not modal and can't be dragged. The list
-/// is built when another team is chosen and stays as it is in between.
+/// is built when another team is chosen, or when it is brought up to date, and stays as it is in
+/// between.
 class TaskListForm : public AbstractTessaportForm {
     Q_OBJECT
 
@@ -27,6 +30,11 @@ public:
     /// window has to have its height, since the form stands on top of it.
     TaskListForm(TessaPort* service, AbstractMainForm* mainForm, QWidget* parent = nullptr);
     ~TaskListForm() override;
+
+    /// Shows the teams and tasks that the session knows now: those of the team that was chosen here
+    /// last, or, when that or the session's own has changed, of the session's own. For when the
+    /// list is opened.
+    void bringUpToDate();
 
 public slots:
     /// Hides the list and all descriptions.
@@ -46,7 +54,7 @@ private:
     void scrollToFocus();
     int teamIndex(const QString& teamId) const;
     void fillList(const QString& teamId);
-    QWidget* taskRow(const QString& taskId, const QString& text);
+    QWidget* taskRow(const Task& task);
     TaskDescriptionForm* description(const QString& taskId);
 
     TessaPort* const m_service;
@@ -56,5 +64,7 @@ private:
     /// By task id. Made on first use, kept whatever becomes of the list.
     std::map<QString, std::unique_ptr<TaskDescriptionForm>> m_descriptions;
     QString m_currentTeamId;
+    QString m_sessionTeamId; ///< when the list last followed it
+    QList<Task> m_shownTasks;
     bool m_firstFill = true;
 };

@@ -3,6 +3,7 @@
 
 #include "dialogs/ElidedComboBox.h"
 #include "dialogs/ElidedLabel.h"
+#include "dialogs/PlainToolTip.h"
 #include "dialogs/ServiceTextBrowser.h"
 #include "dialogs/TaskDescriptionForm.h"
 #include "dialogs/TaskForm.h"
@@ -10,6 +11,7 @@
 #include "res/Resources.h"
 #include "support/TestMain.h"
 
+#include <QBuffer>
 #include <QComboBox>
 #include <QDesktopServices>
 #include <QDesktopWidget>
@@ -28,15 +30,18 @@ TaskInfo fullInfo()
     info.deadline = QDateTime({2020, 4, 26}, {18, 0});
     info.text = QStringLiteral("<b>Три</b> текста");
     info.files = {{{}, {}, QStringLiteral("Бриф.docx"), QStringLiteral("49357")},
-                  {{}, {}, QStringLiteral("<i>Макет</i>"), QStringLiteral("много")}};
+                  {{}, {}, QStringLiteral("<i>Макет</i>"), QStringLiteral("много")},
+                  {{}, {}, QStringLiteral("Съёмка.mov"), QStringLiteral("3221225472")}};
     TextTask first;
-    first.page = QUrl(QStringLiteral("https://a.org/?b=1&c=2"));
+    first.page = QUrl(QStringLiteral("https://a.org/?b=1&copy=2"));
     first.task = QStringLiteral("О нас");
     first.minCount = QStringLiteral("2500");
     first.keywords = {{{}, QStringLiteral("редакция"), QStringLiteral("2"), QStringLiteral("1")}};
     TextTask second;
     second.page = QUrl(QStringLiteral("https://b.org/?q=\"><h1>x</h1>"));
-    info.texts = {first, second};
+    TextTask third;
+    third.page = QUrl(QStringLiteral("file:///etc/passwd"));
+    info.texts = {first, second, third};
     return info;
 }
 
@@ -189,6 +194,30 @@ private slots:
         QCOMPARE(picked(), QStringLiteral("/"));
     }
 
+    void deadlineIsReadBehindALongTitle()
+    {
+        ElidedLabel label;
+        label.setFixedSize(200, 18);
+        const auto picture = [&](const char* end) {
+            label.setText(QString(60, QLatin1Char('M')) + QLatin1String(end));
+            return label.grab().toImage();
+        };
+        QCOMPARE(picture(" | 18:05"), picture(" | 18:06"));
+        label.setKeptEnd(8);
+        QVERIFY(picture(" | 18:05") != picture(" | 18:06"));
+        // As the rows have it.
+        session().setTasks({makeTask("21", "Очень длинное название задачи, которому нет места",
+                                     QDateTime({2020, 4, 26}, {18, 5}))},
+                           QStringLiteral("2"));
+        m_list->bringUpToDate();
+        const QImage early = row(0)->grab().toImage();
+        session().setTasks({makeTask("21", "Очень длинное название задачи, которому нет места",
+                                     QDateTime({2020, 4, 26}, {18, 6}))},
+                           QStringLiteral("2"));
+        m_list->bringUpToDate();
+        QVERIFY(row(0)->grab().toImage() != early);
+    }
+
     void pickCountsWhenItIsConfirmed()
     {
         QSignalSpy finished(m_picker.get(), &QDialog::finished);
@@ -274,14 +303,15 @@ private slots:
         emit m_service->taskInfoUpdated(fullInfo());
         emit m_service->taskInfoUpdated(TaskInfo());
         QCOMPARE(text("lbTaskDeadline"), QStringLiteral("Истекает: 2020-04-26 18:00:00"));
-        QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("2"));
+        QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("3"));
         QCOMPARE(rowTexts(child<QListWidget>("listAttachments")),
                  QStringList({QStringLiteral("Бриф.docx|48.20 KB"),
-                              QStringLiteral("<i>Макет</i>|0.00 B")}));
+                              QStringLiteral("<i>Макет</i>|0.00 B"),
+                              QStringLiteral("Съёмка.mov|3.00 GB")}));
         QCOMPARE(child<QTextBrowser>("textTask")->toPlainText(), QStringLiteral("Три текста"));
         QCOMPARE(text("lbUrl"),
-                 QStringLiteral("URL: <a href=\"https://a.org/?b=1&c=2\" "
-                                "style=\"color:rgb(100,100,100)\">https://a.org/?b=1&c=2</a>"));
+                 QStringLiteral("URL: <a href=\"https://a.org/?b=1&amp;copy=2\" style=\"color:rgb("
+                                "100,100,100)\">https://a.org/?b=1&amp;copy=2</a>"));
         QCOMPARE(child<QTextBrowser>("textRequirements")->toPlainText(), QStringLiteral("О нас"));
         QCOMPARE(text("lbSignNumber"), QStringLiteral("Количество знаков: 2500"));
         QCOMPARE(rowTexts(child<QListWidget>("listKeywords")),
@@ -301,7 +331,7 @@ private slots:
         QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("0"));
         session().setIsOnline(false);
         m_description->requestUpdateTask(bare.id);
-        QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("2"));
+        QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("3"));
     }
 
     void namesEachResponsibleOnce()
@@ -350,10 +380,12 @@ private slots:
         // What stands in the address stays in the link.
         QCOMPARE(text("lbUrl").count(QLatin1Char('"')), 4);
         QCOMPARE(text("lbUrl").count(QLatin1Char('<')), 2);
+        child<QComboBox>("cbTexts")->setCurrentIndex(2);
+        QCOMPARE(text("lbUrl"), QStringLiteral("URL: file:///etc/passwd"));
 
         m_description->updateTask(fullInfo());
         QCOMPARE(showsTexts(), QVariant(true));
-        QCOMPARE(child<QComboBox>("cbTexts")->count(), 2);
+        QCOMPARE(child<QComboBox>("cbTexts")->count(), 3);
         QVERIFY(text("lbUrl").contains(QStringLiteral("https://a.org")));
         child<QPushButton>("pbMainInfo")->click();
         QCOMPARE(showsTexts(), QVariant(false));
@@ -380,11 +412,111 @@ private slots:
             QVERIFY(text.grab().toImage().pixelColor(200, 150) != Qt::red);
         }
 
+        const QString sheet = directory.filePath(QStringLiteral("sheet.css"));
+        QFile sheetFile(sheet);
+        QVERIFY(sheetFile.open(QIODevice::WriteOnly));
+        sheetFile.write("p { color: #123456 }");
+        sheetFile.close();
+        for (const QString& source : {sheet, QUrl::fromLocalFile(sheet).toString()}) {
+            text.setText(QStringLiteral("<style>@import url(%1);</style><p>a</p>").arg(source));
+            QVERIFY(!text.toHtml().contains(QLatin1String("#123456")));
+        }
+
+        // What is in the text stays, however long, unless it would fill the memory.
+        for (const bool isHuge : {false, true}) {
+            QImage inner(isHuge ? QSize(8000, 8000) : QSize(300, 300),
+                         isHuge ? QImage::Format_Mono : QImage::Format_RGB32);
+            inner.fill(isHuge ? 1 : QColor(Qt::red).rgb());
+            QBuffer buffer;
+            QVERIFY(inner.save(&buffer, isHuge ? "PNG" : "BMP"));
+            text.setText(QStringLiteral(
+                             "<img width=400 height=300 src=\"data:image/png;base64,%1\"><b>b</b>")
+                             .arg(QString::fromLatin1(buffer.data().toBase64())));
+            QCOMPARE(text.grab().toImage().pixelColor(200, 150) == Qt::red, !isHuge);
+            QVERIFY(text.toPlainText().endsWith(QLatin1Char('b')));
+        }
+
         for (const char* scheme : {"https", "file", "ftp"})
             QDesktopServices::setUrlHandler(QLatin1String(scheme), this, "open");
         for (const char* link : {"https://example.org/a", "file:///etc/passwd", "ftp://x/y", "#a"})
             emit text.anchorClicked(QUrl(QLatin1String(link)));
         QCOMPARE(m_opened, QList<QUrl>({QUrl(QStringLiteral("https://example.org/a"))}));
+    }
+
+    void textsAreBounded()
+    {
+        ServiceTextBrowser text;
+        text.setText(QStringLiteral("слово ").repeated(1000000));
+        QVERIFY(text.toPlainText().size() < 200000);
+        // Each of these would take minutes, or for ever, to be arranged.
+        for (const char* costly :
+             {"<table><tr><td>", "<ul><li>", "<img style='float:left'>", "<p>"}) {
+            const QString source = QString::fromLatin1(costly).repeated(4000);
+            text.setText(source);
+            QCOMPARE(text.toPlainText(), source);
+        }
+        for (const char* absurd : {"<table cellpadding=100000000><tr><td>a</table>",
+                                   "<p style='font-size: 300000pt'>a</p>"}) {
+            text.setText(QLatin1String(absurd));
+            QCOMPARE(text.toPlainText(), QLatin1String(absurd));
+        }
+    }
+
+    void longToolTipsWrap()
+    {
+        const QString smile = QString::fromUtf8("\xF0\x9F\x98\x80");
+        for (const QString& whole :
+             {QStringLiteral("слово ").repeated(500), QStringLiteral("безпробелов").repeated(500),
+              QStringLiteral("а") + smile.repeated(1000)}) {
+            QTextDocument document;
+            document.setHtml(plainToolTip(whole));
+            document.setTextWidth(400);
+            QVERIFY(document.idealWidth() <= 400);
+            QString shown = document.toPlainText();
+            shown.remove(QChar(0x200B)).chop(1);
+            QVERIFY(shown.size() > 900 && whole.startsWith(shown));
+            QVERIFY(!shown.at(shown.size() - 1).isHighSurrogate());
+        }
+        QCOMPARE(plainToolTip(QStringLiteral("Одна строка")), QStringLiteral("Одна строка"));
+    }
+
+    void openedListIsUpToDate()
+    {
+        // The only team is the chosen one, and no index has changed.
+        session().setTeams({{QStringLiteral("1"), QStringLiteral("Первая")}});
+        session().setTeamID(QStringLiteral("1"));
+        TaskListForm list(m_service.get(), m_mainForm.get());
+        const auto rows = list.findChild<QListWidget*>();
+        list.bringUpToDate();
+        QCOMPARE(
+            rowTexts(rows),
+            QStringList({QStringLiteral("Письмо | Истекает: "), QStringLiteral("Б | Истекает: ")}));
+        QCOMPARE(list.windowTitle(), QStringLiteral("Задачи команды \"Первая\""));
+        // Nothing new: what has been scrolled to stays.
+        const QPointer<QWidget> firstRow = rows->itemWidget(rows->item(0));
+        list.bringUpToDate();
+        QVERIFY(firstRow);
+        session().setTasks({makeTask("11", "Ответ")}, QStringLiteral("1"));
+        list.bringUpToDate();
+        QCOMPARE(rowTexts(rows), QStringList(QStringLiteral("Ответ | Истекает: ")));
+
+        // Another user signs in.
+        session().setTeams({{QStringLiteral("1"), QStringLiteral("Первая")},
+                            {QStringLiteral("7"), QStringLiteral("Седьмая")}});
+        session().setTeamID(QStringLiteral("7"));
+        session().setTasks({makeTask("71", "Чужая")}, QStringLiteral("7"));
+        list.bringUpToDate();
+        QCOMPARE(rowTexts(rows), QStringList(QStringLiteral("Чужая | Истекает: ")));
+        QCOMPARE(list.findChild<QComboBox*>()->currentText(), QStringLiteral("Седьмая"));
+    }
+
+    void escapeClosesTheListWithItsDescription()
+    {
+        m_list->show();
+        clickRow(0);
+        QVERIFY(visibleForm<TaskDescriptionForm>());
+        QTest::keyClick(m_list.get(), Qt::Key_Escape);
+        QVERIFY(!m_list->isVisible() && !visibleForm<TaskDescriptionForm>());
     }
 
 private:
