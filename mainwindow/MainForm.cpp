@@ -58,21 +58,22 @@ void MainForm::setupTimers()
     const struct {
         QTimer& timer;
         int interval;
-        void (*slot)(MainForm& form);
+        void (MainForm::*slot)();
     } rows[] = {
-        {m_activityTimer, 6000, [](MainForm& form) { form.sendActivity(); }},
-        {m_checkUpdateTimer, 3600000, [](MainForm& form) { form.checkUpdate(); }},
-        {m_closeForUpdateTimer, 1000, [](MainForm& form) { form.checkNeedCloseToUpdate(); }},
-        {m_commentsTimer, 60000, [](MainForm& form) { form.updateComments(); }},
-        {m_clockTimer, 1000, [](MainForm& form) { form.clock(); }},
-        {m_activityMessageTimer, 1800000, [](MainForm& form) { form.showActivityMessage(); }},
-        {m_syncTimer, 1740000, [](MainForm& form) { form.syncTime(); }},
-        {m_screenshotTimer, 300000, [](MainForm& form) { form.screenshotTimeout(); }},
+        {m_checkUpdateTimer, 3600000, &MainForm::checkUpdate},
+        {m_closeForUpdateTimer, 1000, &MainForm::checkNeedCloseToUpdate},
+        {m_commentsTimer, 60000, &MainForm::updateComments},
+        {m_clockTimer, 1000, &MainForm::clock},
+        {m_activityMessageTimer, 1800000, &MainForm::showActivityMessage},
+        {m_syncTimer, 1740000, &MainForm::syncTime},
+        {m_screenshotTimer, 300000, &MainForm::screenshotTimeout},
     };
     for (const auto& row : rows) {
         row.timer.setInterval(row.interval);
-        connect(&row.timer, &QTimer::timeout, this, [this, slot = row.slot] { slot(*this); });
+        connect(&row.timer, &QTimer::timeout, this, row.slot);
     }
+    m_activityTimer.setInterval(6000);
+    connect(&m_activityTimer, &QTimer::timeout, this, [this] { sendActivity(); });
     // The timers that measure: a coarse timer of some systems is a little late each time, which
     // adds up over a day.
     m_activityTimer.setTimerType(Qt::PreciseTimer);

@@ -5,6 +5,7 @@
 
 #include <QDate>
 #include <QDateTime>
+#include <QElapsedTimer>
 #include <QImage>
 #include <QSystemTrayIcon>
 #include <QTimer>
@@ -51,6 +52,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private slots:
     void showActivityMessage();
@@ -129,6 +131,8 @@ private:
     QImage m_mainImage;
     QMenu* m_menu = nullptr;
     QSystemTrayIcon* m_trayIcon = nullptr;
+    QString m_trayPicture; ///< what the tray shows
+    QElapsedTimer m_sinceTrayClick; ///< not valid without a click that may become a double click
     std::unique_ptr<ScrollText> m_lbTask;
     std::unique_ptr<TaskForm> m_taskForm;
     std::unique_ptr<AboutForm> m_aboutForm;

@@ -18,6 +18,8 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
+#include <QToolTip>
+#include <QWindowStateChangeEvent>
 
 namespace {
 
@@ -27,6 +29,27 @@ QString buttonStyle(const QString& normal, const QString& hovered, const QString
                           "QPushButton:hover:!pressed{background-image: url(%2);}"
                           "QPushButton:pressed{background-image: url(%3);}")
         .arg(normal, hovered, pressed);
+}
+
+/// Set anew, a sheet styles its widget anew, also when it is the same one.
+void setSheet(QWidget* widget, const QString& sheet)
+{
+    if (widget->styleSheet() != sheet)
+        widget->setStyleSheet(sheet);
+}
+
+/// What is set here once a second is the same text for a minute or for hours.
+void setToolTipOnce(QWidget* widget, const QString& toolTip)
+{
+    if (widget->toolTip() != toolTip)
+        widget->setToolTip(toolTip);
+}
+
+/// Shows a window that is hidden or minimised.
+void bringBack(QWidget* window)
+{
+    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+    window->show();
 }
 
 } // namespace
@@ -53,7 +76,8 @@ void MainForm::setupWindow()
     m_lbTask = std::make_unique<ScrollText>(true, this);
     m_lbTask->setObjectName(QStringLiteral("lbTask"));
     m_lbTask->setGeometry(34, 33, 171, 13);
-    QWidget* const watched[] = {m_lbTask.get(), m_ui->lbComment, m_ui->lbActivity, m_ui->lbClock};
+    QWidget* const watched[] = {m_lbTask.get(), m_ui->lbComment, m_ui->lbActivity, m_ui->lbClock,
+                                m_ui->pbPlay};
     for (QWidget* widget : watched)
         widget->installEventFilter(this);
 
@@ -128,6 +152,16 @@ bool MainForm::eventFilter(QObject* object, QEvent* event)
             toggleTaskList();
         else if (object == m_ui->lbActivity || object == m_ui->lbClock)
             toggleClockMode();
+    } else if (event->type() == QEvent::MouseButtonDblClick && object == m_lbTask.get()) {
+        // The second press has brought the keyboard back here from the picker that the first
+        // opened.
+        m_taskForm->activateWindow();
+    } else if (event->type() == QEvent::ToolTip && object == m_ui->pbPlay) {
+        // A tool tip of the button would have the button's sheet, which, without a task, has no
+        // selector, and would be papered with the button's picture.
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), m_ui->pbPlay->toolTip(),
+                           this, m_ui->pbPlay->geometry());
+        return true;
     }
     return AbstractMainForm::eventFilter(object, event);
 }
@@ -142,6 +176,15 @@ void MainForm::hideEvent(QHideEvent* event)
 {
     m_ui->actionToggleVisible->setText(QStringLiteral("Показать"));
     AbstractMainForm::hideEvent(event);
+}
+
+void MainForm::changeEvent(QEvent* event)
+{
+    AbstractMainForm::changeEvent(event);
+    // Brought back by the desktop, it brings the other windows with it.
+    if (event->type() == QEvent::WindowStateChange && !isMinimized()
+        && static_cast<QWindowStateChangeEvent*>(event)->oldState() & Qt::WindowMinimized)
+        emit showAll();
 }
 
 // --- What is shown
@@ -165,47 +208,48 @@ void MainForm::updateOverdueTime()
 {
     const Session* session = m_tessaPort->session();
     const QString taskId = session->taskID();
-    const bool isOverdue =
-        taskId != unassignedTaskId && !taskId.isEmpty() && session->overdueSeconds() >= 0;
+    const QDateTime deadline = session->taskDeadline();
+    // The seconds from a deadline that is not there are none, and would read as just passed.
+    const bool isOverdue = taskId != unassignedTaskId && !taskId.isEmpty() && deadline.isValid()
+        && session->overdueSeconds() >= 0;
     m_ui->lbOverdue->setVisible(isOverdue);
     m_ui->lbOverdueTime->setVisible(isOverdue);
     if (!isOverdue)
         return;
-    const QDateTime deadline = session->taskDeadline();
     const QString toolTip = deadline.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
     m_ui->lbOverdueTime->setText(overdueText(deadline, QDateTime::currentDateTime()));
-    m_ui->lbOverdueTime->setToolTip(toolTip);
-    m_ui->lbOverdue->setToolTip(toolTip);
+    setToolTipOnce(m_ui->lbOverdueTime, toolTip);
+    setToolTipOnce(m_ui->lbOverdue, toolTip);
 }
 
 void MainForm::updatePlayButton()
 {
     const Session* session = m_tessaPort->session();
     if (session->taskID().isEmpty()) {
-        m_ui->pbPlay->setStyleSheet(
-            QStringLiteral("background-image: url(:/images/pbPlay_Disabled.png);"));
+        setSheet(m_ui->pbPlay,
+                 QStringLiteral("background-image: url(:/images/pbPlay_Disabled.png);"));
         return;
     }
     const QString picture =
         QStringLiteral(":/images/%1_%2")
             .arg(session->active() ? QStringLiteral("pbPause") : QStringLiteral("pbPlay"),
                  session->isOnline() ? QStringLiteral("Online") : QStringLiteral("Offline"));
-    m_ui->pbPlay->setStyleSheet(buttonStyle(picture + QStringLiteral(".png"),
-                                            picture + QStringLiteral("_hovered.png"),
-                                            picture + QStringLiteral("_hovered_clicked.png")));
+    setSheet(m_ui->pbPlay,
+             buttonStyle(picture + QStringLiteral(".png"), picture + QStringLiteral("_hovered.png"),
+                         picture + QStringLiteral("_hovered_clicked.png")));
 }
 
 void MainForm::updateNoticeButton()
 {
     // "Hoveredl" is the picture's own name.
-    m_ui->pbNotice->setStyleSheet(
-        NotificationManager::instance()->hasNotifications()
-            ? buttonStyle(QStringLiteral(":/images/pbAttention_Active_normal.png"),
-                          QStringLiteral(":/images/pbAttention_Active_Hovered.png"),
-                          QStringLiteral(":/images/pbAttention_Active_clicked.png"))
-            : buttonStyle(QStringLiteral(":/images/pbAttention_NoActive_normal.png"),
-                          QStringLiteral(":/images/pbAttention_NoActive_Hoveredl.png"),
-                          QStringLiteral(":/images/pbAttention_NoActive_clicked.png")));
+    setSheet(m_ui->pbNotice,
+             NotificationManager::instance()->hasNotifications()
+                 ? buttonStyle(QStringLiteral(":/images/pbAttention_Active_normal.png"),
+                               QStringLiteral(":/images/pbAttention_Active_Hovered.png"),
+                               QStringLiteral(":/images/pbAttention_Active_clicked.png"))
+                 : buttonStyle(QStringLiteral(":/images/pbAttention_NoActive_normal.png"),
+                               QStringLiteral(":/images/pbAttention_NoActive_Hoveredl.png"),
+                               QStringLiteral(":/images/pbAttention_NoActive_clicked.png")));
 }
 
 void MainForm::updateTrayIcon()
@@ -219,6 +263,9 @@ void MainForm::updateTrayIcon()
     else
         icon = isRunning ? QStringLiteral(":/icons/trayActive.png")
                          : QStringLiteral(":/icons/trayNotActive.png");
+    if (icon == m_trayPicture)
+        return;
+    m_trayPicture = icon;
     m_trayIcon->setIcon(QIcon(icon));
 }
 
@@ -250,13 +297,21 @@ void MainForm::updateOnlineState(QString message)
 
 void MainForm::trayActivated(QSystemTrayIcon::ActivationReason reason)
 {
+    // The two clicks of a double click come as one and as both.
+    const bool isSecondHalf = reason == QSystemTrayIcon::DoubleClick && m_sinceTrayClick.isValid()
+        && m_sinceTrayClick.elapsed() < 2 * QApplication::doubleClickInterval();
+    m_sinceTrayClick.invalidate();
+    if (isSecondHalf)
+        return;
+    if (reason == QSystemTrayIcon::Trigger)
+        m_sinceTrayClick.start();
     if (reason == QSystemTrayIcon::DoubleClick || reason == QSystemTrayIcon::Trigger)
         on_actionToggleVisible_triggered();
 }
 
 void MainForm::on_actionToggleVisible_triggered()
 {
-    if (isVisible())
+    if (isVisible() && !isMinimized())
         emit hideAll();
     else
         emit showAll();
@@ -266,13 +321,17 @@ void MainForm::on_actionToggleVisible_triggered()
 void MainForm::hideAllHandler()
 {
     qDebug("MainForm hideAllHandler");
-    hide();
+    // Hidden, there would be no way back to it where there is no tray.
+    if (QSystemTrayIcon::isSystemTrayAvailable())
+        hide();
+    else
+        showMinimized();
 }
 
 void MainForm::showAllHandler()
 {
     qDebug("MainForm showAllHandler");
-    show();
+    bringBack(this);
 }
 
 void MainForm::on_pbMinimize_clicked()
@@ -301,6 +360,7 @@ void MainForm::toggleTaskList()
         m_taskListForm->on_pbHide_clicked();
         return;
     }
+    m_taskListForm->bringUpToDate();
     m_taskListForm->show();
     NotificationManager::instance()->raiseAll();
 }
@@ -308,7 +368,9 @@ void MainForm::toggleTaskList()
 void MainForm::on_actionAbout_triggered()
 {
     m_aboutForm->refresh();
-    m_aboutForm->show();
+    bringBack(m_aboutForm.get());
+    m_aboutForm->raise();
+    m_aboutForm->activateWindow();
 }
 
 void MainForm::on_pbTimeExtend_clicked()

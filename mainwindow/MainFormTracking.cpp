@@ -155,6 +155,9 @@ void MainForm::onTaskChange()
 
     if (taskId.isEmpty()) {
         m_ui->pbPlay->setChecked(false);
+        // A session that was saved as running, and for which no button has been pressed yet.
+        if (session->active())
+            stopTracking();
         m_ui->pbPlay->setCheckable(false);
         m_lbTask->setText(QStringLiteral("Выбрать задачу"));
         m_ui->pbTask->setIcon(taskIcon(Task()));

@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "dialogs/AboutForm.h"
+#include "dialogs/PanelFixture.h"
+#include "dialogs/TaskListForm.h"
 #include "mainwindow/MainForm.h"
 #include "mainwindow/TimeText.h"
 #include "notifications/NotificationManager.h"
@@ -11,6 +14,7 @@
 #include <QApplication>
 #include <QJsonDocument>
 #include <QLabel>
+#include <QListWidget>
 #include <QPushButton>
 
 namespace {
@@ -37,6 +41,7 @@ struct Strip {
         session = service->session();
         session->load(QStringLiteral("a@b"), QStringLiteral("p"));
         session->setWorktimeDate(QDate::currentDate());
+        session->setTeams({{teamId, QStringLiteral("Команда")}});
         session->setTeamID(teamId);
         session->setTasks({task(QStringLiteral("1")), task(QStringLiteral("2")), unassignedTask()},
                           teamId);
@@ -222,8 +227,61 @@ private slots:
         late.deadline = QDateTime::currentDateTime().addSecs(-2 * 3600 - 5);
         strip.session->setTasks({late, unassignedTask()}, teamId);
         QCOMPARE(label->isHidden() ? QString() : label->text(), QStringLiteral("2ч. "));
+        strip.session->setTaskID(QStringLiteral("2")); // has none
+        QVERIFY(label->isHidden());
         strip.session->setTaskID(unassignedTaskId);
         QVERIFY(label->isHidden());
+    }
+
+    void savedAsRunningWithoutATask()
+    {
+        Strip strip(true, QString());
+        QVERIFY(!strip.session->active());
+        QCOMPARE(strip.action->text(), QStringLiteral("Старт"));
+        strip.session->setTaskID(QStringLiteral("1"));
+        QVERIFY(!strip.session->active() && !strip.play->isChecked());
+    }
+
+    void trayClicks()
+    {
+        Strip strip;
+        strip.form->show();
+        const auto click = [&](QSystemTrayIcon::ActivationReason reason) {
+            QMetaObject::invokeMethod(strip.form.get(), "trayActivated",
+                                      Q_ARG(QSystemTrayIcon::ActivationReason, reason));
+            return strip.form->isVisible() && !strip.form->isMinimized();
+        };
+        QVERIFY(!click(QSystemTrayIcon::Trigger));
+        QVERIFY(!click(QSystemTrayIcon::DoubleClick)); // of the same two clicks
+        QVERIFY(click(QSystemTrayIcon::DoubleClick));
+        QVERIFY(!click(QSystemTrayIcon::Trigger));
+        QVERIFY(click(QSystemTrayIcon::Trigger));
+        QVERIFY(click(QSystemTrayIcon::Context));
+    }
+
+    void opensItsWindows()
+    {
+        Strip strip;
+        strip.form->show();
+        QVERIFY(!visibleForm<TaskListForm>());
+        QTest::mousePress(strip.form->findChild<QLabel*>(QStringLiteral("lbComment")),
+                          Qt::LeftButton);
+        // The only team's, which no change of an index has built.
+        auto* list = visibleForm<TaskListForm>();
+        QVERIFY(list);
+        QCOMPARE(list->findChild<QListWidget*>()->count(), 2);
+        QTest::mousePress(strip.form->findChild<QLabel*>(QStringLiteral("lbComment")),
+                          Qt::LeftButton);
+        QVERIFY(!list->isVisible());
+
+        for (int i = 0; i < 2; ++i) {
+            strip.invoke("on_actionAbout_triggered");
+            auto* about = visibleForm<AboutForm>();
+            QVERIFY(about && !about->isMinimized());
+            QCOMPARE(about->findChild<QLabel*>(QStringLiteral("lbUpdateInfo"))->text(),
+                     QStringLiteral("Проверка обновления..."));
+            about->showMinimized();
+        }
     }
 
     void playButton()
