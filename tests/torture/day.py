@@ -8,12 +8,12 @@ import subprocess
 import time
 from contextlib import closing
 
-from lab import Clock, Home, Service, expect, wait_until
+from lab import Clock, Home, Service, click, expect, wait_until
 from ledger import Ledger
 
 STRIP = "Tessaport"
-# Where a window is opened in the strip, and its title.
-WINDOWS = {"Задачи": (80, 40), "Запрос на продление задачи": (374, 40)}
+PICKER = "Задачи"
+PICKER_BUTTON, LIST_WORD = (80, 40), (90, 18)
 
 
 class Census:
@@ -38,6 +38,7 @@ class Day:
         self.data = json.loads(service.data.read_text())
         counter = home.path / "objects"
         counter.write_bytes(bytes(8))
+        home.add_program("xdg-open", "exit 0")
         self.monitor = home.start(FAILING_OBJECTS=str(counter))
         home.wait_for_minutes(2)
 
@@ -45,24 +46,34 @@ class Day:
         return self.home.clock.at(time.time())
 
     def an_hour(self, number):
-        """Of a user at work: something changes at the service, some windows are looked at."""
+        """Of a user at work: something changes at the service, some windows are looked at, notices
+        are clicked away."""
         end = self.now() + datetime.timedelta(hours=1)
         for team in self.data["teams"]:
             task = team["tasks"][number % len(team["tasks"])]
             task["last_comment"] = f"{self.now():%Y-%m-%d %H:%M:%S}"
         self.service.set_data(self.data)
-        for title, place in WINDOWS.items():
-            self.monitor.click(STRIP, *place)
-            wait_until(lambda: title in self.monitor.windows(), f"{title} opens")
-            subprocess.run(["xdotool", "key", "Escape"], check=True)
-            wait_until(lambda: title not in self.monitor.windows(), f"{title} closes")
+        self.monitor.click(STRIP, *PICKER_BUTTON)
+        wait_until(lambda: PICKER in self.monitor.windows(), "the picker opens")
+        subprocess.run(["xdotool", "key", "Escape"], check=True)
+        wait_until(lambda: PICKER not in self.monitor.windows(), "the picker closes")
+        for is_open in (True, False):
+            self.monitor.click(STRIP, *LIST_WORD)
+            wait_until(lambda: self.has_list() == is_open, "the list opens and closes")
+        # Each leads to its task in the browser, and is gone.
+        while notices := self.monitor.notices():
+            click(notices[0][0] + 100, notices[0][1] + 50)
+            wait_until(lambda: self.monitor.notices() != notices, "a notice closes")
         while self.now() < end:
             expect(self.monitor.is_running, "the program has ended by itself")
             time.sleep(0.2)
 
+    def has_list(self):
+        return any(title.startswith("Задачи команды") for title in self.monitor.windows())
+
     def is_settled(self):
         ledger = Ledger(self.home, self.service)
-        return not ledger.waiting_count and ledger.is_kept()
+        return ledger.is_up_to_date() and ledger.is_kept()
 
 
 def run(build, options):

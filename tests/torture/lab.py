@@ -44,6 +44,10 @@ def wait_until(is_true, what, seconds=PATIENCE, pause=0.02):
         time.sleep(pause)
 
 
+def click(x, y):
+    subprocess.run(["xdotool", "mousemove", str(x), str(y), "click", "1"], check=True)
+
+
 class Build:
     """Where the programs are, and the port that is built into them."""
 
@@ -204,6 +208,12 @@ class Home:
     def write_ini(file, **values):
         file.write_text("[General]\n" + "".join(f"{k}={v}\n" for k, v in values.items()))
 
+    def add_program(self, name, script):
+        """That programs started here find first."""
+        (self.path / name).write_text(f"#!/bin/sh\n{script}\n")
+        (self.path / name).chmod(0o700)
+        self.environment["PATH"] = f"{self.path}:{os.environ['PATH']}"
+
     def set_task(self, task):
         file = self.user / "session.ini"
         file.write_text(re.sub(r"(?m)^taskID=.*$", f"taskID={task}", file.read_text()))
@@ -236,6 +246,13 @@ class Home:
 
     def reports(self):
         return sorted(file for file in self.activity.glob("json*") if file.is_file())
+
+    def leftovers(self):
+        """What lies beside the reports and is named by none."""
+        reports = self.reports()
+        named = "".join(report.read_text() for report in reports)
+        return [file.name for file in self.activity.iterdir()
+                if file not in reports and file.name not in named]
 
     def start(self, **environment):
         monitor = Monitor(self, environment)
@@ -285,19 +302,26 @@ class Monitor:
     def handles(self):
         return len(os.listdir(f"/proc/{self.process.pid}/fd"))
 
-    def windows(self):
-        """Title to geometry (x, y, width, height) of each window that is shown."""
+    def _shown(self):
+        """Title and geometry (x, y, width, height) of each window that is shown."""
         lines = subprocess.run(["wmctrl", "-lGp"], capture_output=True, text=True,
                                check=False).stdout.splitlines()
         fields = [line.split(maxsplit=8) for line in lines]
-        return {field[8] if len(field) > 8 else "": tuple(map(int, field[3:7]))
-                for field in fields if field[2] == str(self.process.pid)}
+        return [(field[8] if len(field) > 8 else "", tuple(map(int, field[3:7])))
+                for field in fields if field[2] == str(self.process.pid)]
+
+    def windows(self):
+        return dict(self._shown())
+
+    def notices(self):
+        """Their places, the lowest first."""
+        places = [place for _, place in self._shown() if place[2:] == (250, 100)]
+        return sorted(places, key=lambda place: -place[1])
 
     def click(self, title, x, y):
         wait_until(lambda: title in self.windows(), f"the window {title} is shown")
         left, top, *_ = self.windows()[title]
-        subprocess.run(["xdotool", "mousemove", str(left + x), str(top + y), "click", "1"],
-                       check=True)
+        click(left + x, top + y)
 
     def look(self, title, x, y, width, height):
         """A part of a window as a number to compare with another look."""

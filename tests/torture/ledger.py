@@ -41,6 +41,7 @@ class Ledger:
                 self.confirmed[record["task_id"], record["active"]].append(made)
         self.waiting = defaultdict(list)
         self.waiting_pictures = set()
+        self.waiting_since = []
         for file in home.reports():
             self._read_report(file, tasks)
 
@@ -84,11 +85,12 @@ class Ledger:
             body, written = report["body"], report["timestamp"]
         except (ValueError, KeyError) as error:
             raise Broken(f"half a report: {file.name}: {content!r}: {error}") from None
+        moment = datetime.datetime.strptime(written, _TIME)
         if report["api-url"].endswith(SCREENSHOT):
             self.waiting_pictures.add(body["fileName"])
         elif body["task_id"] in tasks:
-            self.waiting[body["task_id"], body["active"]].append(
-                datetime.datetime.strptime(written, _TIME))
+            self.waiting[body["task_id"], body["active"]].append(moment)
+        self.waiting_since.append(moment)
 
     def settle(self):
         """What is missing and what is there too often, of minutes and of pictures."""
@@ -117,6 +119,11 @@ class Ledger:
         doubled += [name for name, count in seen.items() if count > 1]
         return lost, doubled, self.pictures - len(seen)
 
+    def is_up_to_date(self):
+        """Whether nothing waits for longer than the way to the service takes."""
+        last = max((minute.moment for minute in self.minutes), default=datetime.datetime.min)
+        return all(last - moment < datetime.timedelta(minutes=3) for moment in self.waiting_since)
+
     def is_kept(self, kills=0):
         try:
             self.check(kills)
@@ -124,10 +131,9 @@ class Ledger:
         except Broken:
             return False
 
-    def check(self, kills=0, may_be_twice=False):
-        """Every minute and picture once; with kills, but for what a kill itself cut off: a record
-        on its way to the disk, and the word that one has been confirmed. May be twice only what
-        was confirmed in words that never arrived."""
+    def check(self, kills=0):
+        """Every minute and picture once. Twice may be what was confirmed in words that never
+        arrived; missing what was on its way to the disk at a kill."""
         lost, doubled, pictures = self.settle()
         cut_off = [minute.key for minute in self.minutes if minute.is_cut_off]
         unanswered = self.confirmations - self.acknowledged
@@ -140,7 +146,7 @@ class Ledger:
             ours = [minute.moment for minute in lost if minute.key == key]
             allowed -= max(0, len(ours) - (cut_off.count(key) if kills else 0))
             expect(allowed >= 0, f"lost: {key} {ours} ({told})")
-        expect(len(doubled) <= (unanswered if kills or may_be_twice else 0),
+        expect(len(doubled) <= unanswered,
                f"twice: {doubled}, {unanswered} unanswered ({told})")
         expect(pictures <= allowed + kills, f"{pictures} pictures lost ({told})")
         return told + f", {len(lost)} missing, {len(doubled)} again"

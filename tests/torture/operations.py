@@ -60,8 +60,7 @@ class Trial:
             ledger = Ledger(home, self.service)
             if ledger.pictures < pictures and not self.kills:
                 return False
-            return is_away or (ledger.is_kept(self.kills) and not ledger.waiting_count
-                               and not ledger.minutes[-1].is_cut_off)
+            return is_away or (ledger.is_up_to_date() and ledger.is_kept(self.kills))
 
         try:
             wait_until(is_done, "all is confirmed", 20)
@@ -80,7 +79,7 @@ class Trial:
         apart = abs(home.minutes_counted() - len(ledger.minutes))
         expect(apart <= self.kills, f"counted {home.value('todayWorktime')} ({told})")
         # What a kill leaves is cleaned up later, when it can be no other process's.
-        left = [file.name for file in home.activity.iterdir()]
+        left = home.leftovers()
         expect(not left or self.kills, f"left behind: {left}")
         return told
 
@@ -92,8 +91,8 @@ def run(build, options):
         plain.run()
         cases = [(at, how, is_away) for at in range(1, len(plain.operations) + 1) for how in HOWS
                  for is_away in (False, True)]
-        if options.short:
-            cases = random.Random(options.seed).sample(cases, options.count or 16)
+        if count := options.count or (16 if options.short else 0):
+            cases = random.Random(options.seed).sample(cases, count)
 
         def broken(case):
             try:
