@@ -53,6 +53,7 @@ void PlatformTest::steadyTick()
 
 void PlatformTest::runningByExactName()
 {
+    QVERIFY(!platform::isProcessRunning(QString()));
     for (const QString& name : {QStringLiteral("TPMC-update.exe"),
                                 QStringLiteral("TPMC probe of a name beyond all bounds.exe")}) {
         const QString path = QDir::home().filePath(name);

@@ -302,6 +302,15 @@ private slots:
         QVERIFY(takeNotices().isEmpty());
     }
 
+    void deadlineOfTheTask()
+    {
+        QCOMPARE(m_session->taskDeadline(), task("1").deadline);
+        QVERIFY(m_session->overdueSeconds() > 0);
+        // Work on no task in particular is due now.
+        m_session->setTaskID(unassignedTaskId);
+        QVERIFY(std::abs(m_session->taskDeadline().secsTo(QDateTime::currentDateTime())) < 60);
+    }
+
     void minutes()
     {
         m_session->setTodayActivetime(QTime(23, 59));
