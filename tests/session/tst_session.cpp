@@ -308,7 +308,9 @@ private slots:
         QVERIFY(m_session->overdueSeconds() > 0);
         // Work on no task in particular is due now.
         m_session->setTaskID(unassignedTaskId);
-        QVERIFY(std::abs(m_session->taskDeadline().secsTo(QDateTime::currentDateTime())) < 60);
+        const QDateTime deadline = m_session->taskDeadline();
+        QVERIFY(deadline.isValid());
+        QVERIFY(std::abs(deadline.secsTo(QDateTime::currentDateTime())) < 60);
     }
 
     void minutes()
