@@ -59,21 +59,6 @@ private slots:
         QCOMPARE(exchange(QStringLiteral("/picture/000001-screenshot.jpg")), picture);
     }
 
-    void fails()
-    {
-        // The others are in use where the client is tested.
-        const QPair<const char*, const char*> rows[] = {
-            {"database", "\xcd\xe5 \xec\xee\xe3\xf3"}, {"hang", ""}, {"drop-kept", ""}};
-        for (const auto& [mode, start] : rows) {
-            m_standIn.fail(activityPath, QLatin1String(mode), -1, 100);
-            const QByteArray answer = exchange(activityPath, report("active", "7"));
-            QVERIFY2(answer.startsWith(start) && answer.isEmpty() == (*start == '\0'), mode);
-            QCOMPARE(m_standIn.confirmedRecords().isEmpty(), qstrcmp(mode, "drop-kept") != 0);
-        }
-        m_standIn.succeed(activityPath);
-        QCOMPARE(exchange(activityPath, report("active", "7")), ok);
-    }
-
 private:
     QByteArray exchange(const QString& path, const QByteArray& body = {})
     {
