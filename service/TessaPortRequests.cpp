@@ -12,11 +12,20 @@
 
 namespace {
 
+// What is typed has to arrive as typed: a query takes "%41" for an A that is encoded already, and
+// services take a bare plus for a blank.
+void addItem(QUrlQuery& query, const QString& key, QString value)
+{
+    value.replace(QLatin1Char('%'), QLatin1String("%25"));
+    value.replace(QLatin1Char('+'), QLatin1String("%2B"));
+    query.addQueryItem(key, value);
+}
+
 QUrlQuery credentials(const Session& session)
 {
     QUrlQuery query;
-    query.addQueryItem(QStringLiteral("login"), session.login());
-    query.addQueryItem(QStringLiteral("password"), session.password());
+    addItem(query, QStringLiteral("login"), session.login());
+    addItem(query, QStringLiteral("password"), session.password());
     return query;
 }
 
@@ -95,7 +104,7 @@ void TessaPort::requestTaskInfo(const QString& taskId)
     if (taskId == unassignedTaskId)
         return;
     QUrlQuery query = credentials(*session());
-    query.addQueryItem(QStringLiteral("task_id"), taskId);
+    addItem(query, QStringLiteral("task_id"), taskId);
     get(Details, query)->setProperty("task_id", taskId);
 }
 
@@ -126,11 +135,11 @@ void TessaPort::handleTaskInfo(QNetworkReply* reply)
 void TessaPort::requestDeadline(const QDate& date, const QString& message, const QTime& time)
 {
     QUrlQuery query = credentials(*session());
-    query.addQueryItem(QStringLiteral("task_id"), session()->taskID());
-    query.addQueryItem(QStringLiteral("dl_date"), date.toString(QStringLiteral("yyyy-MM-dd")));
+    addItem(query, QStringLiteral("task_id"), session()->taskID());
+    addItem(query, QStringLiteral("dl_date"), date.toString(QStringLiteral("yyyy-MM-dd")));
     if (time != QTime(23, 59))
-        query.addQueryItem(QStringLiteral("dl_time"), time.toString(QStringLiteral("HH:mm")));
-    query.addQueryItem(QStringLiteral("message"), message);
+        addItem(query, QStringLiteral("dl_time"), time.toString(QStringLiteral("HH:mm")));
+    addItem(query, QStringLiteral("message"), message);
     QUrl url = endpointUrl(DeadlineRequest);
     url.setQuery(query.query());
     post(DeadlineRequest, url, QByteArray());
@@ -158,7 +167,7 @@ void TessaPort::requestActive(const QString& taskId)
 {
     QUrlQuery query = credentials(*session());
     if (taskId != unassignedTaskId)
-        query.addQueryItem(QStringLiteral("task_id"), taskId);
+        addItem(query, QStringLiteral("task_id"), taskId);
     get(TimeSync, query)->setProperty("task_id", taskId);
 }
 

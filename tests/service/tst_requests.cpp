@@ -18,14 +18,14 @@ private slots:
         };
         const auto deadline = [this](const QTime& at) {
             return [this, at] {
-                client().requestDeadline({2030, 1, 2}, QStringLiteral(" ж& "), at);
+                client().requestDeadline({2030, 1, 2}, QStringLiteral(" ж&50%20"), at);
             };
         };
         const QPair<std::function<void()>, const char*> rows[] = {
             {[this] { client().requestTeamsAndTasks(); }, "GET /api_teams_tasks "},
             {[this] { client().requestVersion(); }, "GET /monitor/tpmc.version"},
-            {[this] { client().requestTaskInfo(QStringLiteral("5&")); },
-             "GET /api_get_task &task_id=5%26"},
+            {[this] { client().requestTaskInfo(QStringLiteral("5&+%41")); },
+             "GET /api_get_task &task_id=5%26%2B%2541"},
             {time("17"), "GET /api_get_active &task_id=17"},
             {time(""), "GET /api_get_active &task_id="},
             // The row for time without a task.
@@ -33,12 +33,12 @@ private slots:
             // No time in particular.
             {deadline({23, 59}),
              "POST /api_task_deadline_request "
-             "&task_id=101&dl_date=2030-01-02&message=%20%D0%B6%26%20"},
+             "&task_id=101&dl_date=2030-01-02&message=%20%D0%B6%2650%2520"},
             {deadline({0, 0}),
              "POST /api_task_deadline_request "
-             "&task_id=101&dl_date=2030-01-02&dl_time=00:00&message=%20%D0%B6%26%20"}};
+             "&task_id=101&dl_date=2030-01-02&dl_time=00:00&message=%20%D0%B6%2650%2520"}};
         session().setTaskID(QStringLiteral("101"));
-        session().setPassword(QStringLiteral("a b+c&d=e%20#ж\"<"));
+        session().setPassword(QStringLiteral("p%41ss a+b&c=d%20#ж\"</"));
         for (const auto& [ask, expected] : rows) {
             standIn().reset();
             ask();
@@ -47,7 +47,7 @@ private slots:
             // The credentials stand in front of every query.
             QString query = seen.query;
             query.replace(QStringLiteral("login=demo@example.com&password="
-                                         "a%20b+c%26d%3De%20%23%D0%B6%22%3C"),
+                                         "p%2541ss%20a%2Bb%26c%3Dd%2520%23%D0%B6%22%3C/"),
                           QStringLiteral(" "));
             QCOMPARE(seen.method + QLatin1Char(' ') + seen.path + query, QLatin1String(expected));
             QCOMPARE(seen.headers[QStringLiteral("content-type")],
