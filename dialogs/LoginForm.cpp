@@ -27,13 +27,13 @@ void paintChild(QWidget* child, const QImage& panel)
 QString errorText(int error)
 {
     switch (error) {
-    case TessaPort::InvalidCredentials:
+    case InvalidCredentials:
         return QStringLiteral("Неверный логин или пароль");
-    case TessaPort::ConnectionError:
-    case TessaPort::SiteUnavailable:
-    case TessaPort::OtherNetworkError:
+    case ConnectionError:
+    case SiteUnavailable:
+    case OtherNetworkError:
         return QStringLiteral("Не удалось соединиться с сервером.");
-    case TessaPort::DatabaseUnreachable:
+    case DatabaseUnreachable:
         return QStringLiteral("Ошибка соединения с базой данных.");
     default:
         return QString();

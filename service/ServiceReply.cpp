@@ -108,19 +108,19 @@ TextTask textTask(const QVariantMap& map)
 
 } // namespace
 
-std::optional<int> refusal(const QByteArray& body)
+std::optional<ResultCode> refusal(const QByteArray& body)
 {
     if (body == R"({"status":-1,"err_msg":"Invalid email|pswd|client"})") {
         qDebug("Invalid email/pswd/client");
-        return 0;
+        return InvalidCredentials;
     }
     if (body.startsWith(R"({"status":"error")") || body.startsWith(R"({"status":-1)")) {
         qDebug() << "Unknown error!" << body;
-        return 6;
+        return UnknownError;
     }
     if (body.startsWith("\t<!DOCTYPE")) {
         qDebug("Error! Invalid URL!");
-        return 4;
+        return InvalidUrl;
     }
     // The service's own spelling; the line for the log has the letter that is missing here.
     static const QByteArray noDatabase =
@@ -128,21 +128,21 @@ std::optional<int> refusal(const QByteArray& body)
             ->fromUnicode(QStringLiteral("Не могу соединится с базой данных"));
     if (body == noDatabase) {
         qDebug("Не могу соединиться с базой данных");
-        return 5;
+        return DatabaseUnreachable;
     }
     return std::nullopt;
 }
 
-int resultCode(QNetworkReply::NetworkError error)
+ResultCode resultCode(QNetworkReply::NetworkError error)
 {
     switch (error) {
     case QNetworkReply::HostNotFoundError:
     case QNetworkReply::UnknownNetworkError:
-        return 1;
+        return ConnectionError;
     case QNetworkReply::ProtocolUnknownError:
-        return 2;
+        return SiteUnavailable;
     default:
-        return 3;
+        return OtherNetworkError;
     }
 }
 

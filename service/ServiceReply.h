@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "service/ResultCode.h"
 #include "session/Records.h"
 
 #include <QByteArray>
@@ -9,16 +10,17 @@
 
 #include <optional>
 
-/// What the service's answers mean: from bytes to values, and nothing else.
+/// What the service's answers mean, from bytes to values. Nothing here keeps anything or asks for
+/// more; a refusal is named in the log.
 namespace ServiceReply {
 
-/// The code with which the service refused, as TessaPort::error() tells it, or nothing when the
-/// body is usable. The tests are on raw bytes and know only a few refusals; a page of HTML that
+/// With what the service refused, as TessaPort::error() tells it, or nothing when the body is
+/// usable. The tests are on raw bytes and know only a few refusals; a page of HTML that
 /// begins in another way, for instance, counts as usable.
-std::optional<int> refusal(const QByteArray& body);
+std::optional<ResultCode> refusal(const QByteArray& body);
 
-/// The result code of an exchange that failed: 1, 2 or 3.
-int resultCode(QNetworkReply::NetworkError error);
+/// ConnectionError, SiteUnavailable or OtherNetworkError for an exchange that failed.
+ResultCode resultCode(QNetworkReply::NetworkError error);
 
 struct TeamWithTasks {
     Team team;

@@ -11,6 +11,9 @@
 #include <QPushButton>
 #include <QUrlQuery>
 
+#include <algorithm>
+#include <iterator>
+
 const TessaPort::Endpoint TessaPort::endpoints[] = {
     {SignIn, "/api_teams", &TessaPort::handleLogin, false},
     {Refresh, "/api_teams_tasks", &TessaPort::handleTeamsAndTasks, true},
@@ -38,13 +41,17 @@ TessaPort::~TessaPort()
     closeSessions();
 }
 
+const TessaPort::Endpoint* TessaPort::endpointOf(int stage)
+{
+    const auto found =
+        std::find_if(std::begin(endpoints), std::end(endpoints),
+                     [stage](const Endpoint& endpoint) { return endpoint.stage == stage; });
+    return found == std::end(endpoints) ? nullptr : found;
+}
+
 QUrl TessaPort::endpointUrl(Stage stage)
 {
-    for (const Endpoint& endpoint : endpoints) {
-        if (endpoint.stage == stage)
-            return QUrl(ServiceAddress::url(QLatin1String(endpoint.path)), QUrl::TolerantMode);
-    }
-    return QUrl();
+    return QUrl(ServiceAddress::url(QLatin1String(endpointOf(stage)->path)), QUrl::TolerantMode);
 }
 
 QNetworkReply* TessaPort::get(Stage stage, const QUrlQuery& query)
@@ -52,10 +59,7 @@ QNetworkReply* TessaPort::get(Stage stage, const QUrlQuery& query)
     QUrl url = endpointUrl(stage);
     if (!query.isEmpty())
         url.setQuery(query.query());
-    QNetworkReply* reply = m_manager.get(QNetworkRequest(url));
-    reply->setProperty("stage", stage);
-    reply->setProperty("login", session()->login());
-    return reply;
+    return tagged(m_manager.get(QNetworkRequest(url)), stage);
 }
 
 QNetworkReply* TessaPort::post(Stage stage, const QUrl& url, const QByteArray& body)
@@ -63,24 +67,26 @@ QNetworkReply* TessaPort::post(Stage stage, const QUrl& url, const QByteArray& b
     QNetworkRequest request(url);
     request.setHeader(QNetworkRequest::ContentTypeHeader,
                       QByteArrayLiteral("application/x-www-form-urlencoded"));
-    QNetworkReply* reply = m_manager.post(request, body);
+    return tagged(m_manager.post(request, body), stage);
+}
+
+QNetworkReply* TessaPort::tagged(QNetworkReply* reply, Stage stage)
+{
     reply->setProperty("stage", stage);
+    reply->setProperty("login", session()->login());
     return reply;
 }
 
 void TessaPort::replyFinished(QNetworkReply* reply)
 {
-    int code = ExchangeSucceeded;
+    ResultCode code = ExchangeSucceeded;
     if (reply->error() == QNetworkReply::NoError) {
-        const int stage = reply->property("stage").toInt();
-        for (const Endpoint& endpoint : endpoints) {
-            // What was asked for another user, before a change of account, is of no use to this
-            // one.
-            const bool isForeign =
-                endpoint.isForSession && reply->property("login").toString() != session()->login();
-            if (endpoint.stage == stage && !isForeign)
-                (this->*endpoint.handler)(reply);
-        }
+        const Endpoint* endpoint = endpointOf(reply->property("stage").toInt());
+        // What was asked for another user, before a change of account, is of no use to this one.
+        const bool isForeign = endpoint && endpoint->isForSession
+            && reply->property("login").toString() != session()->login();
+        if (endpoint && !isForeign)
+            (this->*endpoint->handler)(reply);
     } else {
         code = ServiceReply::resultCode(reply->error());
         handleFailure(reply);
@@ -113,13 +119,13 @@ void TessaPort::handleFailure(QNetworkReply* reply)
 
 bool TessaPort::checkReply(const QByteArray& data)
 {
-    const std::optional<int> refusal = ServiceReply::refusal(data);
+    const std::optional<ResultCode> refusal = ServiceReply::refusal(data);
     if (refusal)
         emit error(*refusal);
     return !refusal;
 }
 
-void TessaPort::setOnlineByResult(int code)
+void TessaPort::setOnlineByResult(ResultCode code)
 {
     const bool isOnline = code == ExchangeSucceeded;
     if (session()->isOnline() == isOnline)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "service/ResultCode.h"
 #include "session/Session.h"
 
 #include <QNetworkAccessManager>
@@ -23,18 +24,6 @@ class TessaPort : public SessionOwner {
     Q_OBJECT
 
 public:
-    /// What became of an exchange. The numbers are settled; see error() for those that are told.
-    enum ResultCode {
-        InvalidCredentials = 0,
-        ConnectionError = 1,
-        SiteUnavailable = 2,
-        OtherNetworkError = 3,
-        InvalidUrl = 4,
-        DatabaseUnreachable = 5,
-        UnknownError = 6,
-        ExchangeSucceeded = 7,
-    };
-
     explicit TessaPort(QObject* parent = nullptr);
     ~TessaPort() override;
 
@@ -70,7 +59,8 @@ public slots:
 
 signals:
     void teamChanged(QString teamId);
-    /// The service answered, but refused: one of the codes 0, 4, 5 and 6, whatever call it was.
+    /// The service answered, but refused, whatever call it was: InvalidCredentials, InvalidUrl,
+    /// DatabaseUnreachable or UnknownError.
     void error(int error);
     void loginOk();
     /// The service became reachable or unreachable; see Session::isOnline(). The message says why
@@ -108,10 +98,14 @@ private:
         bool isForSession; ///< the reply goes into the session of the user who asked
     };
     static const Endpoint endpoints[7];
+    /// Null for a number that is no stage.
+    static const Endpoint* endpointOf(int stage);
     static QUrl endpointUrl(Stage stage);
 
     QNetworkReply* get(Stage stage, const QUrlQuery& query);
     QNetworkReply* post(Stage stage, const QUrl& url, const QByteArray& body);
+    /// Marks a reply with the call that it answers and the user for whom it was made.
+    QNetworkReply* tagged(QNetworkReply* reply, Stage stage);
 
     void handleLogin(QNetworkReply* reply);
     void handleTeamsAndTasks(QNetworkReply* reply);
@@ -125,7 +119,7 @@ private:
     void parseTeamsAndTasks(const QByteArray& data);
     /// Whether the body is usable; says so by error() when it is not.
     bool checkReply(const QByteArray& data);
-    void setOnlineByResult(int code);
+    void setOnlineByResult(ResultCode code);
 
     /// Puts a record on disk and posts it; posts it from memory when the disk does not take it.
     void sendReport(const QString& path, const QVariantMap& body);

@@ -101,7 +101,7 @@ private slots:
     void pickerLoadsUntilAnyAnswer()
     {
         const std::function<void()> answers[] = {
-            [this] { emit m_service->error(TessaPort::UnknownError); },
+            [this] { emit m_service->error(UnknownError); },
             [this] { emit session().teamsUpdated(); },
             [this] { emit session().tasksUpdated(QStringLiteral("1")); },
             [this] { emit session().taskClosed(QStringLiteral("11")); },

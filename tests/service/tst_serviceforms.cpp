@@ -14,12 +14,13 @@ private slots:
     {
         const QString noDatabase = QStringLiteral("Не могу соединится с базой данных");
         const QByteArray badLogin = R"({"status":-1,"err_msg":"Invalid email|pswd|client"})";
-        const QVector<QPair<QByteArray, int>> codes{
-            {badLogin, 0},
-            {badLogin + "\n", 6},
-            {R"({"status":"error","message":"x"})", 6},
-            {"\t<!DOCTYPE html><html>", 4},
-            {QTextCodec::codecForName("Windows-1251")->fromUnicode(noDatabase), 5}};
+        const QVector<QPair<QByteArray, ResultCode>> codes{
+            {badLogin, InvalidCredentials},
+            {badLogin + "\n", UnknownError},
+            {R"({"status":"error","message":"x"})", UnknownError},
+            {"\t<!DOCTYPE html><html>", InvalidUrl},
+            {QTextCodec::codecForName("Windows-1251")->fromUnicode(noDatabase),
+             DatabaseUnreachable}};
         for (const auto& [body, code] : codes)
             QVERIFY2(ServiceReply::refusal(body) == code, body.constData());
         for (const QByteArray& body : {noDatabase.toUtf8(), QByteArray("<!DOCTYPE html><html>"),
