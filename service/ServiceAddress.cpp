@@ -6,7 +6,7 @@
 
 QString ServiceAddress::host()
 {
-    return baseUrl().section(QStringLiteral("://"), 1);
+    return QUrl(baseUrl()).toString(QUrl::RemoveScheme).mid(int(qstrlen("//")));
 }
 
 QString ServiceAddress::url(const QString& path)

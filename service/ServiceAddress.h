@@ -13,7 +13,8 @@ QString baseUrl();
 /// Whether a service whose certificate is not trusted is refused; a constant of the build.
 bool verifiesCertificates();
 
-/// The base URL without its scheme, as it stands in every URL of the service.
+/// The base URL without its scheme, in the spelling that QUrl gives to every URL of the service:
+/// that of the base URL itself may have capitals or an encoded host.
 QString host();
 
 /// The base URL followed by a path, which starts with a slash.
