@@ -20,6 +20,9 @@ constexpr int maximumDepth = 512;
 QVariant parse(const QString& json);
 /// The same; `success` tells broken text from a null. A null string succeeds with an invalid value.
 QVariant parse(const QString& json, bool& success);
+/// The same for bytes from a file or the network. All of them are read: a NUL character ends no
+/// text, as it would for QString::fromUtf8(QByteArray).
+QVariant parseUtf8(const QByteArray& json);
 
 /// Compact UTF-8; a null array when there is a value in it that can't be written.
 QByteArray serialize(const QVariant& data);

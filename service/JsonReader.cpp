@@ -353,3 +353,8 @@ QVariant JsonCodec::parse(const QString& json, bool& success)
     success = reader.isSuccess();
     return data;
 }
+
+QVariant JsonCodec::parseUtf8(const QByteArray& json)
+{
+    return parse(QString::fromUtf8(json.constData(), json.size()));
+}

@@ -11,11 +11,6 @@ namespace {
 
 const QLatin1String dateTimeFormat("yyyy-MM-dd HH:mm:ss");
 
-QVariant parsed(const QByteArray& body)
-{
-    return JsonCodec::parse(QString::fromUtf8(body));
-}
-
 QString text(const QVariantMap& map, const char* key)
 {
     return map.value(QLatin1String(key)).toString();
@@ -149,7 +144,7 @@ ResultCode resultCode(QNetworkReply::NetworkError error)
 QList<TeamWithTasks> teamsAndTasks(const QByteArray& body)
 {
     QList<TeamWithTasks> result;
-    for (const QVariant& element : parsed(body).toList()) {
+    for (const QVariant& element : JsonCodec::parseUtf8(body).toList()) {
         const QVariantMap map = element.toMap();
         TeamWithTasks entry;
         entry.team = {text(map, "id"), text(map, "name")};
@@ -165,7 +160,7 @@ QList<TeamWithTasks> teamsAndTasks(const QByteArray& body)
 
 Answer answer(const QByteArray& body)
 {
-    const QVariantMap map = parsed(body).toMap();
+    const QVariantMap map = JsonCodec::parseUtf8(body).toMap();
     return {text(map, "status") == QLatin1String("ok"), map.value(QStringLiteral("message"))};
 }
 
@@ -189,7 +184,7 @@ TaskInfo taskInfo(const QVariant& message)
 
 DayTotals dayTotals(const QByteArray& body)
 {
-    const QVariantMap map = parsed(body).toMap();
+    const QVariantMap map = JsonCodec::parseUtf8(body).toMap();
     return {minutes(map, "today_active"), minutes(map, "today_total"), minutes(map, "today_task")};
 }
 

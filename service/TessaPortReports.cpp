@@ -29,9 +29,10 @@ QVariantMap record(const Session& session)
             {QStringLiteral("version"), QCoreApplication::applicationVersion()}};
 }
 
-QVariantMap reportIn(const QByteArray& content)
+/// Empty for text that is no JSON object.
+QVariantMap jsonObject(const QByteArray& text)
 {
-    return JsonCodec::parse(QString::fromUtf8(content)).toMap();
+    return JsonCodec::parseUtf8(text).toMap();
 }
 
 } // namespace
@@ -114,7 +115,7 @@ void TessaPort::sendReportFile(std::unique_ptr<QFile> file)
         return;
     ++m_pendingReports;
     file->close();
-    const QVariantMap report = reportIn(content);
+    const QVariantMap report = jsonObject(content);
     if (report.value(QStringLiteral("api-url")).toString().isEmpty()) {
         qDebug() << "Error!  Invalid activity file! " << content;
         // Not at once: a folder full of such files would have each of them removed inside the
@@ -166,7 +167,7 @@ void TessaPort::handleReportReply(QNetworkReply* reply)
     }
     const bool isActivity = reply->url().toString().contains(ServiceAddress::host() + activityPath);
     if (isActivity) {
-        const QString status = reportIn(data).value(QStringLiteral("status")).toString();
+        const QString status = jsonObject(data).value(QStringLiteral("status")).toString();
         if (status != QLatin1String("ok")) {
             keepReport(reply, data);
             return;
@@ -193,7 +194,7 @@ void TessaPort::removeReportFile(std::unique_ptr<QFile> file)
 {
     const bool isOnDisk = file->exists();
     if (isOnDisk && file->open(QIODevice::ReadOnly)) {
-        const QVariantMap body = reportIn(file->readAll()).value(QStringLiteral("body")).toMap();
+        const QVariantMap body = jsonObject(file->readAll()).value(QStringLiteral("body")).toMap();
         const auto picture = body.constFind(QStringLiteral("fileName"));
         if (picture != body.constEnd())
             QFile::remove(picture->toString());

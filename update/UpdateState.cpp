@@ -41,7 +41,7 @@ void UpdateState::setUpdateInfo(const QByteArray& reply)
 {
     if (reply.isNull())
         return;
-    const QVariantList entries = JsonCodec::parse(QString::fromUtf8(reply)).toList();
+    const QVariantList entries = JsonCodec::parseUtf8(reply).toList();
     store(updateInfoKey, entries);
 }
 

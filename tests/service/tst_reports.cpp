@@ -147,6 +147,25 @@ private slots:
         QVERIFY(!standIn().requests(screenshotPath)[1].record().contains(QStringLiteral("file")));
     }
 
+    // The service is asked by its address as it was built in, and answers in Qt's spelling of it.
+    void addressInCapitals()
+    {
+        setTestServiceUrl(standIn().url().replace(QLatin1String("https://localhost"),
+                                                  QLatin1String("HTTPS://LocalHost")));
+        client().sendActivity(1);
+        QTRY_VERIFY(!standIn().confirmedRecords().isEmpty());
+        QTRY_VERIFY(directory().isEmpty());
+    }
+
+    // A service may well send one in an id, and then gets it back.
+    void nulCharacter()
+    {
+        session().setTaskID(QStringLiteral("5") + QChar(0));
+        client().sendActivity(1);
+        QTRY_COMPARE(standIn().requests(activityPath).size(), 1);
+        QVERIFY(standIn().requests(activityPath)[0].body.contains("%3A%225%00%22"));
+    }
+
     void unwritableDirectory()
     {
         // A file in the place of the directory can't be written into by anybody.
