@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "service/ReportFile.h"
 
-#include "platform/DiskFlush.h"
+#include "platform/DiskFiles.h"
 #include "service/JsonCodec.h"
 
 #include <QDebug>
-#include <QDirIterator>
+#include <QDir>
+#include <QFile>
 #include <QRandomGenerator>
+#include <QSet>
 #include <QUrl>
 
+#include <algorithm>
 #include <limits>
+#include <optional>
 
 namespace ReportFile {
 
@@ -21,6 +25,7 @@ const QLatin1String bodyKey("body");
 const QLatin1String timestampKey("timestamp");
 const QLatin1String versionKey("version");
 const QLatin1String unfinishedPrefix("unfinished.");
+const char picturePrefix[] = "screenshot";
 
 // The arithmetic is that of unsigned 32-bit seconds, in which a time that can't be read or is not
 // in their range is the largest number.
@@ -31,17 +36,60 @@ quint32 seconds(const QDateTime& moment)
     return seconds >= 0 && seconds <= largest ? quint32(seconds) : largest;
 }
 
-void attachPicture(QVariantMap& body)
+void attachPicture(QVariantMap& body, QByteArray picture)
 {
     const auto path = body.constFind(QStringLiteral("fileName"));
     if (path == body.constEnd())
         return;
-    QFile picture(path->toString());
-    if (!picture.open(QIODevice::ReadOnly)) {
-        qWarning() << "Error! Screenshot can't be opened: " << picture.fileName();
-        return;
+    if (picture.isEmpty()) {
+        QFile file(path->toString());
+        if (!file.open(QIODevice::ReadOnly)) {
+            qWarning() << "Error! Screenshot can't be opened: " << file.fileName();
+            return;
+        }
+        picture = file.readAll();
     }
-    body.insert(QStringLiteral("file"), QString::fromLatin1(picture.readAll().toBase64()));
+    body.insert(QStringLiteral("file"), QString::fromLatin1(picture.toBase64()));
+}
+
+/// It may have been removed since the user signed in.
+void makeDirectory(const QString& directory)
+{
+    QDir().mkpath(directory);
+}
+
+/// The files of a directory that nobody can be at any more.
+QFileInfoList leftovers(const QString& directory, const QString& pattern)
+{
+    QFileInfoList files = QDir(directory).entryInfoList({pattern}, QDir::Files, QDir::Unsorted);
+    // A younger one may be another process's, which is at it right now.
+    const QDateTime oldEnough = QDateTime::currentDateTime().addSecs(-60);
+    const auto isYoung = [&oldEnough](const QFileInfo& file) {
+        return file.lastModified() >= oldEnough;
+    };
+    files.erase(std::remove_if(files.begin(), files.end(), isYoung), files.end());
+    return files;
+}
+
+/// The file names of the pictures that waiting reports name; nothing when one can't be read. What
+/// is searched is the text as it is, so that a damaged report keeps its picture, too.
+std::optional<QSet<QByteArray>> namedPictures(const QString& directory)
+{
+    QSet<QByteArray> names;
+    const QByteArray ending = ".jpg";
+    const QFileInfoList reports =
+        QDir(directory).entryInfoList({QStringLiteral("json*")}, QDir::Files, QDir::Unsorted);
+    for (const QFileInfo& report : reports) {
+        QFile file(report.filePath());
+        if (!file.open(QIODevice::ReadOnly))
+            return std::nullopt;
+        const QByteArray content = file.readAll();
+        const int end = content.lastIndexOf(ending);
+        const int begin = end < 0 ? -1 : content.lastIndexOf(picturePrefix, end);
+        if (begin >= 0)
+            names.insert(content.mid(begin, end + ending.size() - begin));
+    }
+    return names;
 }
 
 } // namespace
@@ -72,11 +120,12 @@ QVariantMap rebuildLegacyReport(const QVariantMap& report, const QDateTime& now)
             {bodyKey, body}};
 }
 
-QVariantMap rebuildReport(const QVariantMap& report, const QDateTime& now)
+QVariantMap rebuildReport(const QVariantMap& report, const QDateTime& now,
+                          const QByteArray& picture)
 {
     QVariantMap rebuilt = rebuildLegacyReport(report, now);
     QVariantMap body = rebuilt.value(bodyKey).toMap();
-    attachPicture(body);
+    attachPicture(body, picture);
     rebuilt[bodyKey] = body;
     return rebuilt;
 }
@@ -92,62 +141,58 @@ QByteArray payload(const QVariant& body)
     return "data=" + json.toPercentEncoding();
 }
 
-std::unique_ptr<QTemporaryFile> write(const QString& directory, const QByteArray& content,
-                                      const QDateTime& now)
+QString write(const QString& directory, const QVariantMap& report)
 {
-    auto file = std::make_unique<QTemporaryFile>(directory + QLatin1Char('/') + unfinishedPrefix
-                                                 + QLatin1String("XXXXXX"));
-    file->setAutoRemove(false);
-    const bool isWritten = file->open() && file->write(content) == content.size() && file->flush();
-    // A disk that knows no such order is no reason to keep the report off it.
-    if (isWritten && !platform::flushToDisk(*file))
-        qWarning() << "Error! Report can't be flushed to the disk: " << file->errorString();
-
-    bool isNamed = false;
-    // The random part keeps two reports of one second apart; the loop is for the odd case in
+    // The random part keeps two reports of one second apart; another is drawn in the odd case in
     // which they draw the same.
-    for (int attempt = 0; isWritten && !isNamed && attempt < 100; ++attempt) {
+    const auto path = [&directory](const QString& prefix) {
         const QString suffix = QString::number(QRandomGenerator::global()->generate(), 36);
-        isNamed = file->rename(directory + QLatin1String("/json") + timestamp(now)
-                               + QLatin1Char('.') + suffix);
+        return directory + QLatin1Char('/') + prefix + suffix;
+    };
+    const QString prefix = QStringLiteral("json%1.").arg(report.value(timestampKey).toString());
+    const QString unfinished = path(unfinishedPrefix);
+    makeDirectory(directory);
+    platform::FileOutcome outcome = platform::writeToDisk(unfinished, JsonCodec::serialize(report));
+    if (outcome.succeeded()) {
+        QString finished;
+        do {
+            finished = path(prefix);
+            outcome = platform::renameToFreeName(unfinished, finished);
+        } while (outcome.isNameTaken);
+        if (outcome.succeeded()) {
+            platform::flushDirectoryToDisk(directory);
+            return finished;
+        }
+        QFile::remove(unfinished);
     }
-    if (!isNamed) {
-        qWarning() << "Error! Report can't be written: " << file->errorString();
-        if (file->exists())
-            file->remove();
-        return nullptr;
-    }
-    file->close();
-    platform::flushDirectoryToDisk(directory);
-    return file;
+    qWarning() << "Error! Report can't be written: " << outcome.failure;
+    return {};
+}
+
+bool writePicture(const QString& path, const QByteArray& jpeg)
+{
+    makeDirectory(QFileInfo(path).path());
+    const platform::FileOutcome outcome = platform::writeToDisk(path, jpeg);
+    if (!outcome.succeeded())
+        qWarning() << "Error! Screenshot can't be written: " << outcome.failure;
+    return outcome.succeeded();
 }
 
 void removeUnfinished(const QString& directory)
 {
-    // A younger one may be another process's, which is at it right now.
-    const QDateTime oldEnough = QDateTime::currentDateTime().addSecs(-60);
-    const QFileInfoList files = QDir(directory).entryInfoList({unfinishedPrefix + QLatin1Char('*')},
-                                                              QDir::Files, QDir::Unsorted);
-    for (const QFileInfo& file : files) {
-        if (file.lastModified() < oldEnough)
-            QFile::remove(file.filePath());
-    }
-}
+    const QFileInfoList unfinished = leftovers(directory, unfinishedPrefix + QLatin1Char('*'));
+    for (const QFileInfo& file : unfinished)
+        QFile::remove(file.filePath());
 
-QString first(const QString& directory)
-{
-    QString firstName;
-    QString firstKey;
-    QDirIterator entries(directory, {QStringLiteral("json*")}, QDir::Files);
-    while (entries.hasNext()) {
-        entries.next();
-        const QString key = entries.fileName().toLower();
-        if (firstName.isEmpty() || key < firstKey) {
-            firstName = entries.fileName();
-            firstKey = key;
-        }
+    const QFileInfoList pictures =
+        leftovers(directory, QLatin1String(picturePrefix) + QLatin1String("*.jpg"));
+    if (pictures.isEmpty())
+        return;
+    const std::optional<QSet<QByteArray>> named = namedPictures(directory);
+    for (const QFileInfo& picture : pictures) {
+        if (named && !named->contains(picture.fileName().toUtf8()))
+            QFile::remove(picture.filePath());
     }
-    return firstName;
 }
 
 } // namespace ReportFile

@@ -4,10 +4,7 @@
 #include <QByteArray>
 #include <QDateTime>
 #include <QString>
-#include <QTemporaryFile>
 #include <QVariant>
-
-#include <memory>
 
 /// The file in which a record waits until the service has confirmed it: one JSON object with the
 /// address to post to ("api-url"), the record ("body"), the time of writing ("timestamp") and the
@@ -23,28 +20,29 @@ QVariantMap report(const QVariant& apiUrl, const QVariant& body, const QDateTime
 /// Whether a report says in which format it is.
 bool hasVersion(const QVariantMap& report);
 
-/// What is posted of a report without a version: "api-url", "timestamp" and "body", with the
-/// seconds since the report was written added to the body's "past".
+/// What is posted of a report: "api-url", "timestamp" and "body", with the seconds since the report
+/// was written added to the body's "past". For one without a version, from an earlier program,
+/// whose picture is in the body already, that is all.
 QVariantMap rebuildLegacyReport(const QVariantMap& report, const QDateTime& now);
 
-/// The same for a report with a version. When its body names a picture, the picture is read and
-/// put into the body; one that can't be read is logged and left out.
-QVariantMap rebuildReport(const QVariantMap& report, const QDateTime& now);
+/// The same for a report with a version, as every new one is. When its body names a picture, the
+/// picture is put into the body: these bytes, or, when there are none, those of the file; one that
+/// can't be read is logged and left out.
+QVariantMap rebuildReport(const QVariantMap& report, const QDateTime& now,
+                          const QByteArray& picture = {});
 
 /// The form data of a post: an array that holds the body alone, percent-encoded.
 QByteArray payload(const QVariant& body);
 
-/// Writes a file that appears in the directory only when all of it is on disk. The file is
-/// closed and stays when the object goes. Null when it could not be written.
-std::unique_ptr<QTemporaryFile> write(const QString& directory, const QByteArray& content,
-                                      const QDateTime& now);
+/// Writes a report into a file that appears in the directory only when all of it is on disk. The
+/// path of that file; empty, and the reason in the log, when it could not be written.
+QString write(const QString& directory, const QVariantMap& report);
 
-/// Removes what a process that was killed while it wrote may have left.
+/// Writes a picture to this path. False, and the reason in the log, when it could not be written.
+bool writePicture(const QString& path, const QByteArray& jpeg);
+
+/// Removes what a process that was killed may have left a minute or more ago: unfinished reports,
+/// and pictures that no waiting report names.
 void removeUnfinished(const QString& directory);
-
-/// The name of the report that goes out first, which is the first by name, case ignored; empty
-/// when none waits. Reports of the beginning of a month thus go before older ones of the end of
-/// the month before, which "past" makes harmless.
-QString first(const QString& directory);
 
 } // namespace ReportFile

@@ -39,6 +39,9 @@ TessaPort::TessaPort(QObject* parent)
 TessaPort::~TessaPort()
 {
     closeSessions();
+    for (const UnwrittenReport& unwritten : qAsConst(m_unwrittenReports))
+        keepUnwritten(unwritten);
+    m_waitingReports.retryRemovals();
 }
 
 const TessaPort::Endpoint* TessaPort::endpointOf(int stage)
@@ -110,7 +113,8 @@ void TessaPort::handleFailure(QNetworkReply* reply)
         emit taskInfoUpdated(session()->taskInfo(reply->property("id").toString()));
         break;
     case Report:
-        --m_pendingReports;
+        keepUnwritten(m_unwrittenReports.take(reply));
+        reportAnswered(false);
         break;
     default:
         break;

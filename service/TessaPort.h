@@ -2,15 +2,16 @@
 #pragma once
 
 #include "service/ResultCode.h"
+#include "service/WaitingReports.h"
 #include "session/Session.h"
 
+#include <QHash>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSslError>
 
 class QFile;
 class QImage;
-class QTemporaryFile;
 class QUrlQuery;
 
 // A slot takes a type that is deprecated and has no successor in this major version.
@@ -121,22 +122,44 @@ private:
     bool checkReply(const QByteArray& data);
     void setOnlineByResult(ResultCode code);
 
-    /// Puts a record on disk and posts it; posts it from memory when the disk does not take it.
-    void sendReport(const QString& path, const QVariantMap& body);
+    // The road of a report: sendReport() puts it on disk and posts it, and so does
+    // sendNextReportFile() with one that has waited. postReport() counts it as pending, and
+    // reportAnswered() as not pending any more, whatever became of it.
+
+    /// What the disk did not take; memory has the only copy, until the service has confirmed it.
+    struct UnwrittenReport {
+        QString directory;
+        QVariantMap report;
+        QByteArray picture; ///< empty when there is none, or when it is on disk
+    };
+
+    /// Puts a record on disk and posts it; posts it from memory when the disk does not take it or
+    /// has not taken its picture, which is given here then.
+    void sendReport(const QString& path, const QVariantMap& body, const QByteArray& picture = {});
     /// A report file that is whole and on disk, closed; null when it could not be written.
-    std::unique_ptr<QTemporaryFile> writeReportFile(const QVariant& apiUrl, const QVariant& body);
-    /// Posts what the file holds; the file on disk stays until the service has confirmed it.
+    std::unique_ptr<QFile> writeReportFile(const QVariant& apiUrl, const QVariant& body);
+    /// Posts what the file holds; the file on disk stays until the service has confirmed it. One
+    /// that is no report is removed, and one that can't be read is left alone: neither is posted.
     void sendReportFile(std::unique_ptr<QFile> file);
-    /// The file name tells what to remove on confirmation; empty for a report that has none.
-    void postReport(const QVariantMap& report, const QString& fileName);
-    /// Deletes a report that is done with, with its picture, and lets the next one go out.
+    /// Of a report, what is posted. The file name tells what to remove on confirmation; empty for a
+    /// report that has none.
+    QNetworkReply* postReport(const QVariantMap& report, const QString& fileName);
+    void reportAnswered(bool isConfirmed);
+    /// Whether the service has confirmed the report.
+    bool confirms(const QNetworkReply& reply, const QByteArray& data);
+    /// Deletes a report that is done with, and its picture.
     void removeReportFile(std::unique_ptr<QFile> file);
+    /// Posts the first of the reports that wait, unless one is under way.
     void sendNextReportFile();
-    void keepReport(QNetworkReply* reply, const QByteArray& data);
+    /// The disk gets another chance to take what was posted from memory in vain; the log names what
+    /// is lost.
+    void keepUnwritten(const UnwrittenReport& unwritten);
     QString activityDir() const;
 
     QNetworkAccessManager m_manager;
     int m_pendingReports = 0; ///< posted and not yet answered
+    WaitingReports m_waitingReports;
+    QHash<QNetworkReply*, UnwrittenReport> m_unwrittenReports; ///< by what they wait for
 };
 
 QT_WARNING_POP

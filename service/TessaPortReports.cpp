@@ -2,7 +2,6 @@
 #include "service/TessaPort.h"
 
 #include "notifications/NotificationManager.h"
-#include "platform/DiskFlush.h"
 #include "service/JsonCodec.h"
 #include "service/ReportFile.h"
 #include "service/ServiceAddress.h"
@@ -11,8 +10,8 @@
 #include <QCoreApplication>
 #include <QDebug>
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
-#include <QTemporaryFile>
 #include <QTimer>
 
 namespace {
@@ -35,11 +34,28 @@ QVariantMap jsonObject(const QByteArray& text)
     return JsonCodec::parseUtf8(text).toMap();
 }
 
+/// Empty for a report that names none.
+QString pictureOf(const QVariantMap& report)
+{
+    return report.value(QStringLiteral("body"))
+        .toMap()
+        .value(QStringLiteral("fileName"))
+        .toString();
+}
+
+void removePicture(const QVariantMap& report)
+{
+    const QString picture = pictureOf(report);
+    if (!picture.isEmpty())
+        QFile::remove(picture);
+}
+
 } // namespace
 
 QString TessaPort::activityDir() const
 {
-    return dataDir().filePath(session()->login() + QStringLiteral("/activity"));
+    // Without a user it is still inside of the data directory.
+    return dataDir().filePath(session()->login()) + QStringLiteral("/activity");
 }
 
 // --- New records
@@ -64,43 +80,37 @@ void TessaPort::sendScreenshot(const QImage& image)
             "При отправке снимка экрана произошла ошибка. Обратитесь в техподдержку"));
         return;
     }
-    QFile picture(dataDir().absoluteFilePath(
+    const QString picture = dataDir().absoluteFilePath(
         QStringLiteral("%1/screenshot%2.jpg")
-            .arg(activityDir(), ReportFile::timestamp(QDateTime::currentDateTime()))));
-    // A picture that could not be written is found missing when its report goes out.
-    if (picture.open(QIODevice::WriteOnly)) {
-        const bool isWhole = picture.write(jpeg.data()) == jpeg.size() && picture.flush();
-        platform::flushToDisk(picture);
-        picture.close();
-        if (!isWhole)
-            picture.remove();
-    }
-    body.insert(QStringLiteral("fileName"), picture.fileName());
+            .arg(activityDir(), ReportFile::timestamp(QDateTime::currentDateTime())));
+    const bool isOnDisk = ReportFile::writePicture(picture, jpeg.data());
+    body.insert(QStringLiteral("fileName"), picture);
     qDebug("Screenshot prepared");
-    sendReport(screenshotPath, body);
+    sendReport(screenshotPath, body, isOnDisk ? QByteArray() : jpeg.data());
 }
 
-void TessaPort::sendReport(const QString& path, const QVariantMap& body)
+void TessaPort::sendReport(const QString& path, const QVariantMap& body, const QByteArray& picture)
 {
+    m_waitingReports.retryRemovals();
     const QString apiUrl = QUrl(ServiceAddress::url(path)).toString();
-    if (std::unique_ptr<QTemporaryFile> file = writeReportFile(apiUrl, body)) {
-        sendReportFile(std::move(file));
-        return;
+    if (picture.isEmpty()) {
+        if (std::unique_ptr<QFile> file = writeReportFile(apiUrl, body)) {
+            sendReportFile(std::move(file));
+            return;
+        }
     }
-    ++m_pendingReports;
-    postReport(ReportFile::report(apiUrl, body, QDateTime::currentDateTime()), QString());
-    // Nothing is left that would remove its picture.
-    const QString picture = body.value(QStringLiteral("fileName")).toString();
-    if (!picture.isEmpty())
-        QFile::remove(picture);
+    const QDateTime now = QDateTime::currentDateTime();
+    const QVariantMap report = ReportFile::report(apiUrl, body, now);
+    QNetworkReply* const reply =
+        postReport(ReportFile::rebuildReport(report, now, picture), QString());
+    m_unwrittenReports.insert(reply, {activityDir(), report, picture});
 }
 
-std::unique_ptr<QTemporaryFile> TessaPort::writeReportFile(const QVariant& apiUrl,
-                                                           const QVariant& body)
+std::unique_ptr<QFile> TessaPort::writeReportFile(const QVariant& apiUrl, const QVariant& body)
 {
-    const QDateTime now = QDateTime::currentDateTime();
-    return ReportFile::write(activityDir(),
-                             JsonCodec::serialize(ReportFile::report(apiUrl, body, now)), now);
+    const QString path = ReportFile::write(
+        activityDir(), ReportFile::report(apiUrl, body, QDateTime::currentDateTime()));
+    return path.isEmpty() ? nullptr : std::make_unique<QFile>(path);
 }
 
 // --- Posting
@@ -113,29 +123,23 @@ void TessaPort::sendReportFile(std::unique_ptr<QFile> file)
     // What can't be read today is not broken.
     if (file->error() != QFileDevice::NoError)
         return;
-    ++m_pendingReports;
     file->close();
     const QVariantMap report = jsonObject(content);
     if (report.value(QStringLiteral("api-url")).toString().isEmpty()) {
         qDebug() << "Error!  Invalid activity file! " << content;
-        // Not at once: a folder full of such files would have each of them removed inside the
-        // removal of the one before.
-        QTimer::singleShot(0, this, [this, name = file->fileName()] {
-            removeReportFile(std::make_unique<QFile>(name));
-        });
+        removeReportFile(std::move(file));
         return;
     }
-    postReport(report, file->fileName());
+    const QDateTime now = QDateTime::currentDateTime();
+    postReport(ReportFile::hasVersion(report) ? ReportFile::rebuildReport(report, now)
+                                              : ReportFile::rebuildLegacyReport(report, now),
+               file->fileName());
 }
 
-void TessaPort::postReport(const QVariantMap& report, const QString& fileName)
+QNetworkReply* TessaPort::postReport(const QVariantMap& report, const QString& fileName)
 {
-    const QDateTime now = QDateTime::currentDateTime();
-    const QVariantMap rebuilt = ReportFile::hasVersion(report)
-        ? ReportFile::rebuildReport(report, now)
-        : ReportFile::rebuildLegacyReport(report, now);
-    const QUrl url = rebuilt.value(QStringLiteral("api-url")).toUrl();
-    const QVariantMap body = rebuilt.value(QStringLiteral("body")).toMap();
+    const QUrl url = report.value(QStringLiteral("api-url")).toUrl();
+    const QVariantMap body = report.value(QStringLiteral("body")).toMap();
     qDebug() << url.toString();
     for (auto entry = body.cbegin(); entry != body.cend(); ++entry) {
         // The picture itself stays out of the log.
@@ -153,7 +157,10 @@ void TessaPort::postReport(const QVariantMap& report, const QString& fileName)
         m_manager.setNetworkAccessible(QNetworkAccessManager::Accessible);
     }
 
-    post(Report, url, ReportFile::payload(body))->setProperty("activityFile", fileName);
+    ++m_pendingReports;
+    QNetworkReply* const reply = post(Report, url, ReportFile::payload(body));
+    reply->setProperty("activityFile", fileName);
+    return reply;
 }
 
 // --- Answers
@@ -161,61 +168,81 @@ void TessaPort::postReport(const QVariantMap& report, const QString& fileName)
 void TessaPort::handleReportReply(QNetworkReply* reply)
 {
     const QByteArray data = reply->readAll();
-    if (!checkReply(data)) {
-        keepReport(reply, data);
-        return;
-    }
-    const bool isActivity = reply->url().toString().contains(ServiceAddress::host() + activityPath);
-    if (isActivity) {
-        const QString status = jsonObject(data).value(QStringLiteral("status")).toString();
-        if (status != QLatin1String("ok")) {
-            keepReport(reply, data);
-            return;
-        }
-        qDebug() << "Activity sended " << status;
+    const bool isConfirmed = confirms(*reply, data);
+    const UnwrittenReport unwritten = m_unwrittenReports.take(reply);
+    if (!isConfirmed) {
+        qDebug() << reply->request().url().toString();
+        qDebug() << "Activity not sended " << data;
+        keepUnwritten(unwritten);
+    } else if (unwritten.report.isEmpty()) {
+        removeReportFile(std::make_unique<QFile>(reply->property("activityFile").toString()));
     } else {
-        if (data != "ok") {
-            keepReport(reply, data);
-            return;
-        }
-        qDebug() << "ver 1.0 activity sended " << data;
+        removePicture(unwritten.report);
     }
-    removeReportFile(std::make_unique<QFile>(reply->property("activityFile").toString()));
+    reportAnswered(isConfirmed);
 }
 
-void TessaPort::keepReport(QNetworkReply* reply, const QByteArray& data)
+bool TessaPort::confirms(const QNetworkReply& reply, const QByteArray& data)
 {
-    qDebug() << reply->request().url().toString();
-    qDebug() << "Activity not sended " << data;
-    --m_pendingReports;
+    if (!checkReply(data))
+        return false;
+    const bool isActivity = reply.url().toString().contains(ServiceAddress::host() + activityPath);
+    if (!isActivity) {
+        const bool isConfirmed = data == "ok";
+        if (isConfirmed)
+            qDebug() << "ver 1.0 activity sended " << data;
+        return isConfirmed;
+    }
+    const QString status = jsonObject(data).value(QStringLiteral("status")).toString();
+    const bool isConfirmed = status == QLatin1String("ok");
+    if (isConfirmed)
+        qDebug() << "Activity sended " << status;
+    return isConfirmed;
+}
+
+void TessaPort::keepUnwritten(const UnwrittenReport& unwritten)
+{
+    if (unwritten.report.isEmpty())
+        return;
+    const QString picture = pictureOf(unwritten.report);
+    const bool hasPicture =
+        unwritten.picture.isEmpty() || ReportFile::writePicture(picture, unwritten.picture);
+    if (hasPicture && !ReportFile::write(unwritten.directory, unwritten.report).isEmpty())
+        return;
+    removePicture(unwritten.report);
+    qWarning() << "Error! Report is lost, neither on disk nor confirmed: "
+               << JsonCodec::serialize(unwritten.report);
 }
 
 void TessaPort::removeReportFile(std::unique_ptr<QFile> file)
 {
-    const bool isOnDisk = file->exists();
-    if (isOnDisk && file->open(QIODevice::ReadOnly)) {
-        const QVariantMap body = jsonObject(file->readAll()).value(QStringLiteral("body")).toMap();
-        const auto picture = body.constFind(QStringLiteral("fileName"));
-        if (picture != body.constEnd())
-            QFile::remove(picture->toString());
+    if (file->open(QIODevice::ReadOnly)) {
+        removePicture(jsonObject(file->readAll()));
         file->close();
     }
+    m_waitingReports.remove(file->fileName());
+}
+
+void TessaPort::reportAnswered(bool isConfirmed)
+{
     --m_pendingReports;
-    if (isOnDisk && !file->remove()) {
-        // The next one to go out would be this one again, without end.
-        qWarning() << "Error! Report can't be removed: " << file->fileName();
-        return;
-    }
-    if (m_pendingReports == 0)
+    if (isConfirmed)
         sendNextReportFile();
+    else
+        m_waitingReports.startAnew();
 }
 
 void TessaPort::sendNextReportFile()
 {
-    const QString directory = activityDir();
-    const QString name = ReportFile::first(directory);
-    if (name.isEmpty())
+    if (m_pendingReports > 0)
         return;
-    qDebug() << "file prepared:" << name;
-    sendReportFile(std::make_unique<QFile>(directory + QLatin1Char('/') + name));
+    const QString path = m_waitingReports.next(activityDir());
+    if (path.isEmpty())
+        return;
+    qDebug() << "file prepared:" << QFileInfo(path).fileName();
+    sendReportFile(std::make_unique<QFile>(path));
+    // Nothing has gone out that would bring the next one. Not at once: a folder may be full of such
+    // files.
+    if (m_pendingReports == 0)
+        QTimer::singleShot(0, this, &TessaPort::sendNextReportFile);
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/DiskFiles.h"
 #include "platform/InputTick.h"
 #include "platform/KeyTable.h"
 #include "platform/Processes.h"
@@ -13,6 +14,7 @@ private slots:
     void keyCodes();
     void steadyTick();
     void runningByExactName();
+    void filesOnDisk();
 };
 
 void PlatformTest::keyCodes()
@@ -72,6 +74,30 @@ void PlatformTest::runningByExactName()
         QVERIFY(process.waitForFinished());
         QVERIFY(!platform::isProcessRunning(name));
     }
+}
+
+void PlatformTest::filesOnDisk()
+{
+    const auto path = [](const char* name) { return QDir::home().filePath(QLatin1String(name)); };
+    const auto content = [](const QString& name) {
+        QFile file(name);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
+    };
+    QVERIFY(platform::writeToDisk(path("old"), "longer").succeeded());
+    QVERIFY(platform::writeToDisk(path("old"), "old").succeeded());
+    QVERIFY(platform::writeToDisk(path("new"), "new").succeeded());
+    QVERIFY(!platform::writeToDisk(path("nowhere/file"), "x").failure.isEmpty());
+
+    const platform::FileOutcome taken = platform::renameToFreeName(path("new"), path("old"));
+    QVERIFY(taken.isNameTaken && !taken.succeeded());
+    QCOMPARE(content(path("old")), QByteArray("old"));
+    QCOMPARE(content(path("new")), QByteArray("new"));
+
+    const platform::FileOutcome missing = platform::renameToFreeName(path("gone"), path("free"));
+    QVERIFY(!missing.isNameTaken && !missing.succeeded());
+    QVERIFY(platform::renameToFreeName(path("new"), path("free")).succeeded());
+    QCOMPARE(content(path("free")), QByteArray("new"));
+    QVERIFY(!QFile::exists(path("new")));
 }
 
 TESSAPORT_TEST_MAIN(PlatformTest, QCoreApplication)

@@ -166,14 +166,50 @@ private slots:
         QVERIFY(standIn().requests(activityPath)[0].body.contains("%3A%225%00%22"));
     }
 
-    void unwritableDirectory()
+    void directoryGone()
     {
-        // A file in the place of the directory can't be written into by anybody.
+        standIn().fail(activityPath, QStringLiteral("refuse"));
+        standIn().fail(screenshotPath, QStringLiteral("refuse"));
+        QVERIFY(directory().removeRecursively());
+        client().sendActivity(5);
+        QCOMPARE(waiting().size(), 1);
+        QVERIFY(directory().removeRecursively());
+        client().sendScreenshot(picture);
+        QCOMPARE(waiting().size(), 1);
+        QCOMPARE(directory().entryList({QStringLiteral("*.jpg")}).size(), 1);
+    }
+
+    // A file in the place of the directory can't be written into by anybody.
+    void fromMemory()
+    {
+        const auto expect = [](const char* warning) {
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QLatin1String(warning)));
+        };
         QVERIFY(directory().removeRecursively());
         QVERIFY(QFile(directory().path()).open(QIODevice::WriteOnly));
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("can't be written")));
-        client().sendActivity(5);
+        expect("Screenshot can't be written: +\"Not a directory|can't be written");
+        client().sendScreenshot(picture);
         QTRY_COMPARE(standIn().confirmedRecords().size(), 1);
+        QVERIFY(standIn().requests(screenshotPath)[0].record().contains(QStringLiteral("file")));
+
+        // What neither takes is named.
+        standIn().fail(activityPath, QStringLiteral("refuse"));
+        for (const char* warning : {"can't be written", "can't be written", "is lost.*active.*5"})
+            expect(warning);
+        client().sendActivity(5);
+        QTRY_COMPARE(standIn().requests(activityPath).size(), 1);
+        standIn().fail(activityPath, QStringLiteral("hang"));
+
+        // There is room again by the time the service fails.
+        expect("can't be written");
+        client().sendActivity(6);
+        QTRY_COMPARE(standIn().requests(activityPath).size(), 2);
+        QVERIFY(QFile::remove(directory().path()));
+        standIn().stop();
+        QTRY_COMPARE(waiting().size(), 1);
+        QFile file(directory().filePath(waiting().value(0)));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(file.readAll().contains(R"("active":"6")"));
     }
 
 private:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "service/ReportFile.h"
 #include "service/ServiceReply.h"
+#include "service/WaitingReports.h"
 #include "support/TestMain.h"
 
 #include <QTextCodec>
@@ -97,21 +98,76 @@ private slots:
 
     void reportFile()
     {
-        QTemporaryDir directory;
-        QVERIFY(QDir(directory.path()).mkdir(QStringLiteral("json00")));
-        QVERIFY(ReportFile::first(directory.path()).isEmpty());
+        QTemporaryDir home;
+        // Removed meanwhile.
+        const QString directory = home.filePath(QStringLiteral("anna/activity"));
         const QDateTime may({2020, 5, 3}, {8, 4, 9});
-        // Ordered by day before month, and without regard to case.
-        QVERIFY(ReportFile::write(directory.path(), "april", may.addDays(-5)));
-        QVERIFY(ReportFile::write(directory.path(), "may", may));
-        QVERIFY(ReportFile::write(directory.path(), "may", may));
-        QCOMPARE(QDir(directory.path()).entryList(QDir::Files).size(), 3);
-        QFile first(directory.filePath(ReportFile::first(directory.path())));
-        QVERIFY(first.fileName().contains(QStringLiteral("/json03-05-2020-08-04-09.")));
-        QVERIFY(first.open(QIODevice::ReadOnly));
-        QCOMPARE(first.readAll(), QByteArray("may"));
-        QVERIFY(QFile::copy(first.fileName(), directory.filePath(QStringLiteral("JSON02"))));
-        QCOMPARE(ReportFile::first(directory.path()), QStringLiteral("JSON02"));
+        const QVariantMap report = ReportFile::report(QStringLiteral("u"), QVariantMap(), may);
+        const QString path = ReportFile::write(directory, report);
+        QVERIFY(path.startsWith(directory + QStringLiteral("/json03-05-2020-08-04-09.")));
+        QVERIFY(!ReportFile::write(directory, report).isEmpty());
+        QCOMPARE(QDir(directory).entryList(QDir::Files).size(), 2);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(),
+                 QByteArray(R"({"api-url":"u","body":{},"timestamp":"03-05-2020-08-04-09",)"
+                            R"("version":"0.1"})"));
+        QVERIFY(!(file.permissions() & (QFile::ReadGroup | QFile::ReadOther)));
+    }
+
+    void leftovers()
+    {
+        QTemporaryDir home;
+        const QDir directory(home.path());
+        const auto write = [&directory](const QString& name, const QByteArray& content,
+                                        bool isOld) {
+            QFile file(directory.filePath(name));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(content);
+            file.flush();
+            QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(isOld ? -70 : -50),
+                                     QFile::FileModificationTime));
+        };
+        write(QStringLiteral("unfinished.1"), {}, true);
+        write(QStringLiteral("unfinished.2"), {}, false);
+        for (const char* name : {"1", "2", "3"})
+            write(QStringLiteral("screenshot%1.jpg").arg(QLatin1String(name)), {}, true);
+        write(QStringLiteral("screenshot4.jpg"), {}, false);
+        write(QStringLiteral("json1"), "\"/api_screenshot\",\"/x/screenshot1.jpg\"}}", true);
+        // A damaged one names its picture, too.
+        write(QStringLiteral("json2"), "\"/x/screenshot2.jpg", true);
+        ReportFile::removeUnfinished(directory.path());
+        QCOMPARE(directory.entryList(QDir::Files).join(QLatin1Char(' ')),
+                 QStringLiteral("json1 json2 screenshot1.jpg screenshot2.jpg screenshot4.jpg "
+                                "unfinished.2"));
+    }
+
+    // Ordered by name without regard to case, each once, and never one that is confirmed.
+    void waitingReports()
+    {
+        QTemporaryDir home;
+        const auto path = [&home](const char* name) { return home.filePath(QLatin1String(name)); };
+        const auto write = [](const QString& file) {
+            QVERIFY(QFile(file).open(QIODevice::WriteOnly));
+        };
+        WaitingReports reports;
+        QVERIFY(QDir().mkpath(path("json03/not to be removed like a file")));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("can't be removed")));
+        reports.remove(path("json03"));
+        QCOMPARE(reports.next(home.path()), QString());
+        QVERIFY(QDir(path("json03")).removeRecursively());
+
+        for (const char* name : {"json28", "JSON05", "json03", "unfinished.json"})
+            write(path(name));
+        QCOMPARE(reports.next(home.path()), path("JSON05"));
+        write(path("json01"));
+        QCOMPARE(reports.next(home.path()), path("json28"));
+        QCOMPARE(reports.next(home.path()), QString());
+        QCOMPARE(reports.next(home.path()), path("json01"));
+        reports.startAnew();
+        QCOMPARE(reports.next(home.path()), path("json01"));
+        reports.retryRemovals();
+        QVERIFY(!QFile::exists(path("json03")));
     }
 };
 
