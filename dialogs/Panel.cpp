@@ -31,6 +31,6 @@ void keepMouseWithButtons(QWidget* window)
 
 void centreOnScreen(QWidget* window)
 {
-    const QPoint centre = availableArea(window).center();
+    const QPoint centre = availableArea().center();
     window->move(int(centre.x() - 0.5 * window->width()), int(centre.y() - 0.5 * window->height()));
 }

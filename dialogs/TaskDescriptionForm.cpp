@@ -86,7 +86,7 @@ TaskDescriptionForm::TaskDescriptionForm(const QString& taskId, TessaPort* servi
     setBackground(QStringLiteral(":/images/res/images/big_fon.png"));
     setMovable(false);
     placeInArea(this, [this, listForm, tallest = height()] {
-        const QRect area = availableArea(this);
+        const QRect area = availableArea();
         setHeight(std::min(tallest, area.height()), {m_ui->mainWidget, m_ui->copyrightTasksWidget});
         move(area.right() - listForm->width() - width(), listForm->y());
     });

@@ -53,7 +53,7 @@ TaskListForm::TaskListForm(TessaPort* service, AbstractMainForm* mainForm, QWidg
     setBackground(QStringLiteral(":/images/res/images/big_fon.png"));
     setMovable(false);
     placeInArea(this, [this, tallest = height()] {
-        const QRect area = availableArea(this);
+        const QRect area = availableArea();
         const int room = area.height() - 1 - m_mainForm->height();
         setHeight(std::min(tallest, room), {m_ui->listWidget});
         move(area.right() - width(), area.bottom() - (height() + m_mainForm->height()));

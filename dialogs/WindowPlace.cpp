@@ -2,10 +2,10 @@
 #include "dialogs/WindowPlace.h"
 
 #include <QApplication>
-#include <QDesktopWidget>
 #include <QEvent>
 #include <QScreen>
 #include <QWidget>
+#include <QWindow>
 
 #include <algorithm>
 
@@ -67,8 +67,12 @@ private:
     void keepInside()
     {
         // One that was never moved is placed by the window system.
-        if (m_window->testAttribute(Qt::WA_Moved))
-            m_window->move(movedInto(availableArea(m_window), m_window->geometry()).topLeft());
+        if (!m_window->testAttribute(Qt::WA_Moved))
+            return;
+        const QWindow* const handle = m_window->windowHandle();
+        const QRect area =
+            handle && handle->screen() ? handle->screen()->availableGeometry() : availableArea();
+        m_window->move(movedInto(area, m_window->geometry()).topLeft());
     }
 
     void keepPlace(bool isMovedBySystem)
@@ -90,10 +94,10 @@ private:
 
 } // namespace
 
-QRect availableArea(const QWidget* window)
+QRect availableArea()
 {
-    // Asked of the desktop widget, since a window has no screen of its own before it is shown.
-    return QApplication::desktop()->availableGeometry(window);
+    const QScreen* const screen = QGuiApplication::primaryScreen();
+    return screen ? screen->availableGeometry() : QRect();
 }
 
 void keepPlaceWhenShown(QWidget* window)

@@ -7,8 +7,9 @@
 
 class QWidget;
 
-/// Where windows may stand on the screen of this window, which is the first one before it is shown.
-QRect availableArea(const QWidget* window);
+/// Where windows may stand on the first monitor, which is where they open. Qt would go by where a
+/// window is before it is placed, which may be on any other. Null when there is no monitor.
+QRect availableArea();
 
 /// Makes a frameless window know its place after each show. A window manager that puts it into a
 /// frame of its own can make Qt believe that it went to the corner of the screen, where it is not:

@@ -64,11 +64,12 @@ void MainForm::setupWindow()
     m_mainImage = panelImage(QStringLiteral(":/images/main.png"));
     setWindowFlags((windowFlags() & Qt::Dialog) | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint
                    | Qt::WindowStaysOnTopHint);
+    // In this order: the corner has the last word when the first monitor becomes another.
+    keepPlaceWhenShown(this);
     placeInArea(this, [this] {
-        const QRect area = availableArea(this);
+        const QRect area = availableArea();
         move(area.right() - width(), area.bottom() - height());
     });
-    keepPlaceWhenShown(this);
     // Else the first button would have the focus, and show it, before anybody has touched a key.
     setFocusPolicy(Qt::ClickFocus);
     setFocus();

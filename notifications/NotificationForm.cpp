@@ -2,6 +2,7 @@
 #include "notifications/NotificationForm.h"
 #include "ui_NotificationForm.h"
 
+#include "dialogs/WindowPlace.h"
 #include "mainwindow/AbstractMainForm.h"
 #include "platform/WindowSystem.h"
 #include "res/Resources.h"
@@ -9,9 +10,7 @@
 #include "update/ElevatedStart.h"
 #include "update/UpdateState.h"
 
-#include <QApplication>
 #include <QDebug>
-#include <QDesktopWidget>
 #include <QGraphicsOpacityEffect>
 #include <QMouseEvent>
 #include <QPainter>
@@ -66,18 +65,14 @@ NotificationForm::NotificationForm(const QString& message, int type, const QStri
         m_ui->pbLate->hide();
         installEventFilter(this);
     }
+    placeInArea(this, [this] { placeInSlot(m_slot); });
 }
 
 NotificationForm::~NotificationForm() = default;
 
-QRect NotificationForm::availableGeometry() const
-{
-    return QApplication::desktop()->availableGeometry(this);
-}
-
 QPoint NotificationForm::placeOf(int slot) const
 {
-    const QRect available = availableGeometry();
+    const QRect available = availableArea();
     const int mainFormHeight = m_mainForm && m_mainForm->isVisible() ? m_mainForm->height() : 0;
     return {available.right() - width(),
             available.bottom() - (slot + 1) * height() - mainFormHeight};
@@ -96,7 +91,7 @@ void NotificationForm::placeInSlot(int slot)
 
 bool NotificationForm::fitsInSlot(int slot) const
 {
-    return placeOf(slot).y() >= availableGeometry().top();
+    return placeOf(slot).y() >= availableArea().top();
 }
 
 void NotificationForm::fadeOut()

@@ -62,7 +62,6 @@ private slots:
     void onPbUpdateClicked();
 
 private:
-    QRect availableGeometry() const;
     QPoint placeOf(int slot) const;
     void standBeside(QWindow* modal);
     void centreText();

@@ -131,6 +131,9 @@ class FitsTest : public QObject {
 private slots:
     void initTestCase()
     {
+        const int told = qEnvironmentVariableIntValue("DESKTOP_DPI");
+        if (told > 0)
+            QCOMPARE(qApp->devicePixelRatio(), told / 96.0);
         QFile file(QStringLiteral(":/qss/main.qss"));
         QVERIFY(file.open(QIODevice::ReadOnly));
         qApp->setStyleSheet(QString::fromUtf8(file.readAll()));
