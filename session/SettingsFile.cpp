@@ -136,13 +136,13 @@ bool isSound(QDataStream& stream, int depth)
 bool isSound(const QString& text)
 {
     const QLatin1String variant("@Variant(");
-    const bool isVariant = text.startsWith(variant);
-    if (!(isVariant || text.startsWith(QLatin1String("@DateTime(")))
-        || !text.endsWith(QLatin1Char(')')))
+    if (!text.endsWith(QLatin1Char(')')))
         return true;
-    // Nothing of ours is stored as the other one.
-    if (!isVariant)
+    // Another mark with as much behind it, and nothing of ours is stored with it.
+    if (text.startsWith(QLatin1String("@DateTime(")))
         return false;
+    if (!text.startsWith(variant))
+        return true;
     QDataStream stream(text.midRef(variant.size()).chopped(1).toLatin1());
     stream.setVersion(QDataStream::Qt_4_0);
     return isSound(stream, 0) && stream.status() == QDataStream::Ok && stream.atEnd();
