@@ -112,6 +112,17 @@ void saveAfterOneNewDetail(benchmark::State& state)
 }
 BENCHMARK(saveAfterOneNewDetail)->Arg(500)->Arg(5000)->UseRealTime()->Unit(benchmark::kMicrosecond);
 
+// What a start reads, with the look for damage that comes before.
+void load(benchmark::State& state)
+{
+    Fixture fixture(int(state.range(0)));
+    for (auto _ : state) {
+        fixture.session().reset();
+        fixture.session().load(QStringLiteral("anna@example.com"), QStringLiteral("p"));
+    }
+}
+BENCHMARK(load)->Arg(500)->Arg(5000)->Unit(benchmark::kMicrosecond);
+
 // Parse, compare and store: ten times the tasks should take about ten times as long.
 
 // The usual refresh: the service sends what is known already.
