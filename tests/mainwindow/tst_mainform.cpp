@@ -259,6 +259,28 @@ private slots:
         QVERIFY(click(QSystemTrayIcon::Context));
     }
 
+    /// Runs on a desktop with a tray and on one without.
+    void hidesWithAWayBack()
+    {
+        const bool hasTray = QSystemTrayIcon::isSystemTrayAvailable();
+        Strip strip;
+        strip.form->show();
+        QTest::mousePress(strip.form->findChild<QLabel*>(QStringLiteral("lbComment")),
+                          Qt::LeftButton);
+        const auto* list = visibleForm<TaskListForm>();
+        QVERIFY(list);
+        strip.form->findChild<QPushButton*>(QStringLiteral("pbMinimize"))->click();
+        QCOMPARE(strip.form->isVisible(), !hasTray);
+        QCOMPARE(strip.form->isMinimized(), !hasTray);
+        QVERIFY(!list->isVisible());
+        // As the tray's menu does it, and the desktop.
+        if (hasTray)
+            strip.invoke("on_actionToggleVisible_triggered");
+        else
+            strip.form->showNormal();
+        QVERIFY(strip.form->isVisible() && !strip.form->isMinimized() && list->isVisible());
+    }
+
     void opensItsWindows()
     {
         Strip strip;
