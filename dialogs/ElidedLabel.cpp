@@ -22,6 +22,16 @@ QString ElidedLabel::shownText(int room) const
     return metrics.elidedText(start, Qt::ElideRight, room - metrics.horizontalAdvance(end)) + end;
 }
 
+QSize ElidedLabel::sizeHint() const
+{
+    return minimumSize() == maximumSize() ? minimumSize() : QLabel::sizeHint();
+}
+
+QSize ElidedLabel::minimumSizeHint() const
+{
+    return minimumSize() == maximumSize() ? minimumSize() : QLabel::minimumSizeHint();
+}
+
 void ElidedLabel::paintEvent(QPaintEvent*)
 {
     QStylePainter painter(this);

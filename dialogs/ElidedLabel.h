@@ -12,6 +12,10 @@ public:
     /// The last so many characters are shown in any case, behind the ellipsis. None at first.
     void setKeptEnd(int length) { m_keptEnd = length; }
 
+    /// A fixed size is told without measuring the text.
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 

@@ -1,7 +1,35 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "RowList.h"
+#include "dialogs/RowList.h"
 
-#include <QListWidget>
+#include <QApplication>
+
+QRect RowList::visualRect(const QModelIndex& index) const
+{
+    const QRect rect = QListWidget::visualRect(index);
+    if (!m_isPlacingRows)
+        return rect;
+    const int page = viewport()->height();
+    const QWidget* const row = indexWidget(index);
+    // What has no place is hidden. Hidden, a row would give the keyboard to another one, and the
+    // list would follow it there.
+    return rect.intersects(viewport()->rect().adjusted(0, -page, 0, page))
+            || (row && row->isAncestorOf(QApplication::focusWidget()))
+        ? rect
+        : QRect();
+}
+
+void RowList::updateEditorGeometries()
+{
+    m_isPlacingRows = true;
+    QListWidget::updateEditorGeometries();
+    m_isPlacingRows = false;
+}
+
+void RowList::scrollContentsBy(int dx, int dy)
+{
+    QListWidget::scrollContentsBy(dx, dy);
+    updateEditorGeometries();
+}
 
 QWidget* newRow(QListWidget* list)
 {
@@ -20,6 +48,8 @@ void setRows(QListWidget* list, int gridHeight, const QVector<QWidget*>& rows)
         const auto item = new QListWidgetItem;
         list->insertItem(list->count(), item);
         list->setItemWidget(item, row);
+        // Until the list has a place for it.
+        row->hide();
         item->setData(Qt::SizeHintRole, row->sizeHint());
     }
     list->setHidden(isHidden);

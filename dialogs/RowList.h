@@ -1,10 +1,35 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QListWidget>
+#include <QPushButton>
 #include <QVector>
 
-class QListWidget;
-class QWidget;
+/// A list whose rows are shown, and styled, only when they come near the part in view: to style
+/// hundreds takes longer than anybody likes to wait. A row near the part in view is one that the
+/// keyboard reaches from there.
+class RowList : public QListWidget {
+public:
+    using QListWidget::QListWidget;
+
+    QRect visualRect(const QModelIndex& index) const override;
+
+protected:
+    void updateEditorGeometries() override;
+    void scrollContentsBy(int dx, int dy) override;
+
+private:
+    bool m_isPlacingRows = false;
+};
+
+/// A button of a row. It has a fixed size, and is not measured or styled to be laid out.
+class RowButton : public QPushButton {
+public:
+    using QPushButton::QPushButton;
+
+    QSize sizeHint() const override { return minimumSize(); }
+    QSize minimumSizeHint() const override { return minimumSize(); }
+};
 
 /// An empty widget to become a row of the list, which owns it.
 QWidget* newRow(QListWidget* list);

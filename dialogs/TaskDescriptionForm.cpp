@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/TaskDescriptionForm.h"
 
-#include "RowList.h"
 #include "dialogs/ElidedLabel.h"
 #include "dialogs/PlainToolTip.h"
+#include "dialogs/RowList.h"
 #include "dialogs/ScrollText.h"
 #include "dialogs/ServiceTextBrowser.h"
 #include "dialogs/ShortText.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/TaskListForm.h"
 
-#include "RowList.h"
 #include "dialogs/ElidedLabel.h"
 #include "dialogs/PlainToolTip.h"
+#include "dialogs/RowList.h"
 #include "dialogs/TaskDescriptionForm.h"
 #include "dialogs/WindowPlace.h"
 #include "mainwindow/AbstractMainForm.h"
@@ -223,7 +223,7 @@ QWidget* TaskListForm::taskRow(const Task& task)
     label->setToolTip(plainToolTip(text));
     label->setFixedSize(m_ui->listWidget->width() - 112, 16);
 
-    const auto button = new QPushButton(row);
+    const auto button = new RowButton(row);
     button->setStyleSheet(targetButtonStyle());
     button->setFixedSize(84, 24);
     button->setProperty(taskIdProperty, task.id);

@@ -510,6 +510,31 @@ private slots:
         QCOMPARE(list.findChild<QComboBox*>()->currentText(), QStringLiteral("Седьмая"));
     }
 
+    void showsTheRowsNearThePartInView()
+    {
+        QList<Task> tasks;
+        for (int i = 0; i < 200; ++i)
+            tasks << makeTask(qPrintable(QString::number(1000 + i)), "Письмо");
+        session().setTasks(tasks, QStringLiteral("2"));
+        m_list->bringUpToDate();
+        m_list->show();
+        const auto shown = [this] {
+            QCoreApplication::processEvents();
+            QList<bool> rows;
+            for (const int index : {0, 25, 100, 199})
+                rows << row(index)->isVisible();
+            return rows;
+        };
+        QCOMPARE(shown(), QList<bool>({true, true, false, false}));
+        list()->scrollToItem(list()->item(100), QAbstractItemView::PositionAtTop);
+        QCOMPARE(shown(), QList<bool>({false, false, true, false}));
+        QCOMPARE(row(100)->mapTo(list()->viewport(), QPoint()), QPoint());
+        list()->scrollToBottom();
+        QCOMPARE(shown(), QList<bool>({false, false, false, true}));
+        clickRow(199);
+        QVERIFY(visibleForm<TaskDescriptionForm>());
+    }
+
     void escapeClosesTheListWithItsDescription()
     {
         m_list->show();
