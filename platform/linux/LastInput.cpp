@@ -9,6 +9,7 @@
 
 #include <xcb/sync.h>
 
+#include <memory>
 #include <optional>
 
 namespace platform {
@@ -57,9 +58,23 @@ Counters findCounters(xcb_connection_t* connection)
     return counters;
 }
 
+struct Disconnect {
+    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+};
+
+/// Null where the program runs without an X server, or the server takes no more clients. One of
+/// its own: Qt has a thread that reads its connection, which every answer to a poll would wake.
+xcb_connection_t* ownConnection()
+{
+    static const std::unique_ptr<xcb_connection_t, Disconnect> connection(
+        QX11Info::connection() ? xcb_connect(nullptr, nullptr) : nullptr);
+    const bool works = connection && xcb_connection_has_error(connection.get()) == 0;
+    return works ? connection.get() : nullptr;
+}
+
 Counters openCounters()
 {
-    xcb_connection_t* const connection = QX11Info::connection();
+    xcb_connection_t* const connection = ownConnection();
     if (!connection)
         return {};
     const xcb_query_extension_reply_t* const extension =
@@ -72,7 +87,7 @@ Counters openCounters()
 /// The server's clock minus its idle time, or nothing when the server doesn't answer.
 std::optional<quint32> queryTick(const Counters& counters)
 {
-    xcb_connection_t* const connection = QX11Info::connection();
+    xcb_connection_t* const connection = ownConnection();
     if (!connection)
         return std::nullopt;
 
