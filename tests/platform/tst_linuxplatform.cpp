@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/DiskFiles.h"
 #include "platform/Display.h"
 #include "platform/HotKeys.h"
 #include "platform/LastInput.h"
@@ -20,6 +21,7 @@ private slots:
     void foreignStartupEntry();
     void blindDisplay();
     void waylandSession();
+    void fileOfItsUserAlone();
 
 private:
     static QString write(const QString& name, const QByteArray& content);
@@ -131,6 +133,13 @@ void LinuxPlatformTest::waylandSession()
         QCOMPARE(platform::seesWholeDesktop(), seesAll);
         QCOMPARE(platform::windowsPlugin(), QByteArray(plugin));
     }
+}
+
+void LinuxPlatformTest::fileOfItsUserAlone()
+{
+    const QString path = QDir::home().filePath(QStringLiteral("record"));
+    QVERIFY(platform::writeToDisk(path, "x").succeeded());
+    QVERIFY(!(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther)));
 }
 
 TESSAPORT_TEST_MAIN(LinuxPlatformTest, QGuiApplication)
