@@ -16,8 +16,8 @@ int& withDisplayScaling(int& argc)
 {
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    // Nothing here draws by OpenGL. Else Qt would load its driver with the first window, which takes
-    // as much memory as half of the rest.
+    // Nothing here draws by OpenGL. Else Qt would load its driver with the first window, which
+    // takes as much memory as half of the rest.
     QCoreApplication::setAttribute(Qt::AA_ForceRasterWidgets);
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
         platform::desktopTellsScale() ? Qt::HighDpiScaleFactorRoundingPolicy::PassThrough
