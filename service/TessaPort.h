@@ -149,6 +149,7 @@ private:
     bool confirms(const QNetworkReply& reply, const QByteArray& data);
     /// Deletes a report that is done with, and its picture.
     void removeReportFile(std::unique_ptr<QFile> file);
+    void removePicture(const QVariantMap& report);
     /// Posts the first of the reports that wait, unless one is under way.
     void sendNextReportFile();
     /// The disk gets another chance to take what was posted from memory in vain; the log names what

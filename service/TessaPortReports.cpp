@@ -43,14 +43,14 @@ QString pictureOf(const QVariantMap& report)
         .toString();
 }
 
-void removePicture(const QVariantMap& report)
+} // namespace
+
+void TessaPort::removePicture(const QVariantMap& report)
 {
     const QString picture = pictureOf(report);
     if (!picture.isEmpty())
-        QFile::remove(picture);
+        m_waitingReports.remove(picture);
 }
-
-} // namespace
 
 QString TessaPort::activityDir() const
 {

@@ -32,7 +32,7 @@ void WaitingReports::remove(const QString& path)
         return;
     }
     if (!m_confirmed.contains(path))
-        qWarning() << "Error! Report can't be removed: " << path;
+        qWarning() << "Error! A confirmed file can't be removed: " << path;
     m_confirmed.insert(path);
 }
 

@@ -17,8 +17,8 @@ public:
     /// Has the next call of next() read the directory.
     void startAnew();
 
-    /// Deletes a report that the service has confirmed. One that can't be deleted is never given
-    /// out again; it is logged, and its deletion tried again by retryRemovals().
+    /// Deletes a report that the service has confirmed, or its picture. What can't be deleted is
+    /// logged, its deletion is tried again by retryRemovals(), and it is never given out again.
     void remove(const QString& path);
     void retryRemovals();
 

@@ -105,7 +105,10 @@ QHash<QString, QString> readEntry(const QString& path)
     if (!file.open(QIODevice::ReadOnly))
         return entry;
     bool inMainGroup = false;
-    const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+    // To the end of the bytes: without their length the text would end at the first NUL.
+    const QByteArray content = file.readAll();
+    const QStringList lines =
+        QString::fromUtf8(content.constData(), content.size()).split(QLatin1Char('\n'));
     for (const QString& line : lines) {
         if (line.startsWith(QLatin1Char('[')))
             inMainGroup = line.trimmed() == QLatin1String("[Desktop Entry]");

@@ -166,6 +166,25 @@ private slots:
         QVERIFY(standIn().requests(activityPath)[0].body.contains("%3A%225%00%22"));
     }
 
+    // Something that QFile can't remove stands in the picture's place when it is confirmed.
+    void pictureStays()
+    {
+        standIn().fail(screenshotPath, QStringLiteral("hang"));
+        client().sendScreenshot(picture);
+        QTRY_COMPARE(standIn().requests(screenshotPath).size(), 1);
+        const QString path =
+            directory().filePath(directory().entryList({QStringLiteral("*.jpg")}).value(0));
+        QVERIFY(QFile::remove(path) && QDir().mkpath(path + QStringLiteral("/x")));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("can't be removed")));
+        standIn().succeed(screenshotPath);
+        QTRY_VERIFY(waiting().isEmpty());
+
+        QVERIFY(QDir(path).removeRecursively());
+        QVERIFY(QFile(path).open(QIODevice::WriteOnly));
+        client().sendActivity(1);
+        QVERIFY(!QFile::exists(path));
+    }
+
     void directoryGone()
     {
         standIn().fail(activityPath, QStringLiteral("refuse"));

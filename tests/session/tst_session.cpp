@@ -370,7 +370,7 @@ private slots:
         const int noon = QDateTime::currentDateTimeUtc().time().hour() - 12;
         m_session->setTodayWorktime(QTime(0, 59, 58));
         for (const int hours : {0, 1, -1, -6}) {
-            qputenv("TZ", "XXX" + QByteArray::number(noon + hours));
+            qputenv("TZ", "TST" + QByteArray::number(noon + hours));
             if (hours == 0)
                 m_session->setWorktimeDate(QDate::currentDate());
             m_session->tick();
