@@ -17,6 +17,7 @@
 #include <QCalendarWidget>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMetaEnum>
 #include <QPushButton>
 #include <QScreen>
 #include <QStyleOptionButton>
@@ -100,6 +101,20 @@ QStringList lacksOfCalendar(QCalendarWidget* calendar)
     return lacks;
 }
 
+QString kindOf(const QWidget* window)
+{
+    QString kind = QString::fromLatin1(
+        QMetaEnum::fromType<Qt::WindowType>().valueToKey(int(window->windowType())));
+    if (!window->windowFlags().testFlag(Qt::FramelessWindowHint))
+        kind += QStringLiteral(", framed");
+    if (window->windowFlags().testFlag(Qt::WindowStaysOnTopHint))
+        kind += QStringLiteral(", on top");
+    if (window->windowModality() == Qt::WindowModal)
+        kind += QStringLiteral(", modal to its parent");
+    return window->windowModality() == Qt::ApplicationModal ? kind + QStringLiteral(", modal")
+                                                            : kind;
+}
+
 /// Every text of the program's own in the window that does not fit its place.
 QStringList lacks(QWidget* window)
 {
@@ -165,17 +180,30 @@ private slots:
     void windows_data()
     {
         QTest::addColumn<QString>("name");
-        for (const char* name : {"strip", "sign-in", "picker", "list", "description", "texts",
-                                 "deadline", "about", "notice", "update"})
-            QTest::newRow(name) << QString::fromLatin1(name);
+        QTest::addColumn<QString>("kind");
+        const std::pair<const char*, const char*> rows[] = {
+            {"strip", "Dialog, on top"},
+            {"sign-in", "Tool, on top"},
+            {"picker", "Dialog, on top, modal to its parent"},
+            {"list", "Dialog, on top"},
+            {"description", "Dialog, on top"},
+            {"texts", "Dialog, on top"},
+            {"deadline", "Dialog, on top, modal"},
+            {"about", "Dialog, framed"},
+            {"notice", "Tool, on top"},
+            {"update", "Tool, on top"}};
+        for (const auto& [name, kind] : rows)
+            QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(kind);
     }
 
     void windows()
     {
         QFETCH(QString, name);
+        QFETCH(QString, kind);
         QWidget* const window = windowOf(name);
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window));
+        QCOMPARE(kindOf(window), kind);
         QCOMPARE(lacks(window).join(QStringLiteral("; ")), QString());
 
         const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
