@@ -22,21 +22,6 @@ QRect movedInto(const QRect& area, QRect rect)
     return rect;
 }
 
-/// Behind the change, when all of Qt knows of it.
-void whenAreaChanges(QObject* context, const std::function<void()>& function)
-{
-    const auto watch = [context, function](const QScreen* screen) {
-        QObject::connect(screen, &QScreen::availableGeometryChanged, context, function,
-                         Qt::QueuedConnection);
-    };
-    const QList<QScreen*> screens = QGuiApplication::screens();
-    std::for_each(screens.cbegin(), screens.cend(), watch);
-    QObject::connect(qApp, &QGuiApplication::screenAdded, context, watch);
-    for (const auto change : {&QGuiApplication::screenAdded, &QGuiApplication::screenRemoved,
-                              &QGuiApplication::primaryScreenChanged})
-        QObject::connect(qApp, change, context, function, Qt::QueuedConnection);
-}
-
 class PlaceKeeper : public QObject {
 public:
     explicit PlaceKeeper(QWidget* window)
@@ -98,6 +83,20 @@ QRect availableArea()
 {
     const QScreen* const screen = QGuiApplication::primaryScreen();
     return screen ? screen->availableGeometry() : QRect();
+}
+
+void whenAreaChanges(QObject* context, const std::function<void()>& function)
+{
+    const auto watch = [context, function](const QScreen* screen) {
+        QObject::connect(screen, &QScreen::availableGeometryChanged, context, function,
+                         Qt::QueuedConnection);
+    };
+    const QList<QScreen*> screens = QGuiApplication::screens();
+    std::for_each(screens.cbegin(), screens.cend(), watch);
+    QObject::connect(qApp, &QGuiApplication::screenAdded, context, watch);
+    for (const auto change : {&QGuiApplication::screenAdded, &QGuiApplication::screenRemoved,
+                              &QGuiApplication::primaryScreenChanged})
+        QObject::connect(qApp, change, context, function, Qt::QueuedConnection);
 }
 
 void keepPlaceWhenShown(QWidget* window)

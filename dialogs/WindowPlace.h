@@ -5,6 +5,7 @@
 
 #include <functional>
 
+class QObject;
 class QWidget;
 
 /// Where windows may stand on the first monitor, which is where they open. Qt would go by where a
@@ -17,6 +18,10 @@ QRect availableArea();
 ///
 /// Besides, the window keeps its size, and never stands outside the area that is available.
 void keepPlaceWhenShown(QWidget* window);
+
+/// Calls the function whenever the available area has changed and all of Qt knows of it, as long as
+/// the context lives.
+void whenAreaChanges(QObject* context, const std::function<void()>& function);
 
 /// Has the window placed, now and whenever the available area changes.
 void placeInArea(QWidget* window, const std::function<void()>& place);

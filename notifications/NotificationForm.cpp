@@ -65,7 +65,6 @@ NotificationForm::NotificationForm(const QString& message, int type, const QStri
         m_ui->pbLate->hide();
         installEventFilter(this);
     }
-    placeInArea(this, [this] { placeInSlot(m_slot); });
 }
 
 NotificationForm::~NotificationForm() = default;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "notifications/NotificationManager.h"
 
+#include "dialogs/WindowPlace.h"
 #include "mainwindow/AbstractMainForm.h"
 #include "notifications/NotificationForm.h"
 
@@ -25,6 +26,7 @@ NotificationManager::NotificationManager()
 {
     // The manager outlives the application object, and no window may.
     qAddPostRoutine([] { instance()->closeAll(); });
+    whenAreaChanges(this, [this] { placeAnew(); });
 }
 
 NotificationManager::~NotificationManager() = default;
@@ -179,14 +181,11 @@ void NotificationManager::placeAnew()
         return;
     for (int i = 0; i < m_shownForms.size(); ++i)
         m_shownForms[i]->placeInSlot(i);
-    // The main form took, or gave, the room for one.
-    NotificationForm* const last = m_shownForms.constLast();
-    if (!last->isClosing() && m_shownForms.size() > 1 && !last->fitsInSlot(last->slot())) {
-        m_shownForms.removeLast();
-        m_pendingNotices.prepend(withoutWindow(last));
-    } else if (!m_pendingNotices.isEmpty() && hasRoom()) {
-        showFirstPending();
-    }
+    // The main form or a panel of the desktop took room, or gave it back.
+    while (m_shownForms.size() > 1 && !m_shownForms.constLast()->isClosing()
+           && !m_shownForms.constLast()->fitsInSlot(m_shownForms.size() - 1))
+        m_pendingNotices.prepend(withoutWindow(m_shownForms.takeLast()));
+    showPending();
 }
 
 void NotificationManager::updateAttention()
