@@ -41,6 +41,10 @@ bool WindowShapes::eventFilter(QObject* object, QEvent* event)
     if (!widget->isVisible() || !widget->isWindow()
         || !widget->testAttribute(Qt::WA_TranslucentBackground))
         return false;
+    // The icon in the tray, past the window manager: the tray stands behind it, and its picture
+    // changes.
+    if (widget->windowFlags().testFlag(Qt::BypassWindowManagerHint))
+        return false;
     platform::cutWindow(widget->winId(),
                         platform::mixesTranslucentWindows() ? QRegion() : panelShape(widget));
     return false;

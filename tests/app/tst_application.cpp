@@ -113,16 +113,23 @@ private slots:
         backdrop.setPalette(QPalette(Qt::green));
         backdrop.setGeometry(300, 300, 200, 200);
         backdrop.show();
-        PanelWindow window;
-        window.move(350, 350);
+        PanelWindow window, trayIcon;
+        window.move(350, 310);
         window.show();
-        const auto onScreen = [&window](QPoint place) {
+        trayIcon.setWindowFlag(Qt::BypassWindowManagerHint);
+        trayIcon.move(350, 400);
+        trayIcon.show();
+        const auto onScreen = [](const QWidget& widget, QPoint place) {
             return QGuiApplication::primaryScreen()->grabWindow(0).toImage().pixelColor(
-                (window.pos() + place) * window.devicePixelRatioF());
+                (widget.pos() + place) * widget.devicePixelRatioF());
         };
-        QTRY_COMPARE(onScreen(panel.center()), QColor(Qt::white));
-        QTRY_VERIFY(onScreen(shadow.center()).green() > 200);
-        QCOMPARE(onScreen(shadow.center()).green() < 255, platform::mixesTranslucentWindows());
+        for (const PanelWindow* each : {&window, &trayIcon})
+            QTRY_COMPARE(onScreen(*each, panel.center()), QColor(Qt::white));
+        QTRY_VERIFY(onScreen(window, shadow.center()).green() > 200);
+        QCOMPARE(onScreen(window, shadow.center()).green() < 255,
+                 platform::mixesTranslucentWindows());
+        // The tray stands behind its icon, not the desktop.
+        QVERIFY(onScreen(trayIcon, shadow.center()).green() < 255);
     }
 
 private:
