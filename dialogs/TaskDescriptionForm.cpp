@@ -4,9 +4,9 @@
 #include "dialogs/ElidedLabel.h"
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/RowList.h"
-#include "dialogs/ScrollText.h"
 #include "dialogs/ServiceTextBrowser.h"
 #include "dialogs/ShortText.h"
+#include "dialogs/TitleText.h"
 #include "dialogs/WindowPlace.h"
 #include "res/Resources.h"
 #include "service/TessaPort.h"
@@ -105,7 +105,7 @@ TaskDescriptionForm::TaskDescriptionForm(const QString& taskId, TessaPort* servi
     m_ui->copyrightTasksWidget->hide();
     m_ui->lbTaskTitle->hide();
 
-    m_titleText = new ScrollText(false, this);
+    m_titleText = new TitleText(false, this);
     m_ui->mainLayout->addWidget(m_titleText, 0, 0, 1, 2);
     QPalette palette = m_titleText->palette();
     palette.setColor(QPalette::WindowText, QColor(QStringLiteral("#646464")));

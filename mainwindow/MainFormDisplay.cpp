@@ -4,9 +4,9 @@
 #include "desktop/AutoRun.h"
 #include "dialogs/AboutForm.h"
 #include "dialogs/CalendarForm.h"
-#include "dialogs/ScrollText.h"
 #include "dialogs/TaskForm.h"
 #include "dialogs/TaskListForm.h"
+#include "dialogs/TitleText.h"
 #include "dialogs/WindowPlace.h"
 #include "mainwindow/TimeText.h"
 #include "notifications/NotificationManager.h"
@@ -74,7 +74,7 @@ void MainForm::setupWindow()
     setFocusPolicy(Qt::ClickFocus);
     setFocus();
 
-    m_lbTask = std::make_unique<ScrollText>(true, this);
+    m_lbTask = std::make_unique<TitleText>(true, this);
     m_lbTask->setObjectName(QStringLiteral("lbTask"));
     m_lbTask->setGeometry(34, 33, 171, 13);
     QWidget* const watched[] = {m_lbTask.get(), m_ui->lbComment, m_ui->lbActivity, m_ui->lbClock,

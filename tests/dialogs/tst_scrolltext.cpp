@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/AutoScrollLineEdit.h"
 #include "dialogs/ScrollText.h"
+#include "dialogs/TitleText.h"
 #include "support/TestMain.h"
 
 #include <QApplication>
@@ -149,6 +150,42 @@ private slots:
         last = middle(picture(widget));
         QTest::qWait(200);
         QCOMPARE(middle(picture(widget)), last);
+    }
+
+    /// A title that fits is not even repainted, also when it is shown again.
+    void titleTicksOnlyWhenTooWide()
+    {
+        struct Title : TitleText {
+            Title()
+                : TitleText(false)
+            {
+            }
+            void paintEvent(QPaintEvent* event) override
+            {
+                ++paints;
+                TitleText::paintEvent(event);
+            }
+            int paints = 0;
+        };
+        Title still, moving;
+        still.resize(500, 16);
+        moving.resize(171, 16);
+        for (Title* title : {&still, &moving})
+            title->setText(longText);
+        for (int showing = 0; showing < 2; ++showing) {
+            for (Title* title : {&still, &moving}) {
+                title->hide();
+                title->show();
+            }
+            const auto seesMovingPaint = [&](int times) {
+                const int last = moving.paints + times;
+                return QTest::qWaitFor([&] { return moving.paints >= last; });
+            };
+            QVERIFY(seesMovingPaint(5));
+            still.paints = 0;
+            QVERIFY(seesMovingPaint(10));
+            QCOMPARE(still.paints, 0);
+        }
     }
 
     void standsStillWithoutWidth()
