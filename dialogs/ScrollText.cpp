@@ -18,18 +18,18 @@ constexpr qreal textIndent = 2.0;
 const QLatin1String colourAtRest("#646464");
 const QLatin1String colourUnderMouse("#000000");
 
+/// How many widths of the widget are drawn at once.
+constexpr int pictureWidths = 4;
+
 /// An image of that many logical pixels which keeps every pixel of a scaled screen.
-QImage screenImage(const QSize& size, qreal devicePixelRatio)
+QImage screenImage(const QSize& size, qreal ratio)
 {
-    const QSize pixels(qCeil(size.width() * devicePixelRatio),
-                       qCeil(size.height() * devicePixelRatio));
-    QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
-    image.setDevicePixelRatio(devicePixelRatio);
-    return image;
+    return QImage(qCeil(size.width() * ratio), qCeil(size.height() * ratio),
+                  QImage::Format_ARGB32_Premultiplied);
 }
 
 /// Opaque, but for the columns at either edge, whose alpha rises towards the inside.
-void fillFadeMask(QImage& mask, int width)
+void fillFadeMask(QImage& mask, int width, qreal ratio)
 {
     mask.fill(0xff000000u);
     if (mask.isNull() || width <= widestWithoutFade) {
@@ -37,7 +37,7 @@ void fillFadeMask(QImage& mask, int width)
     }
     const auto firstLine = reinterpret_cast<QRgb*>(mask.scanLine(0));
     for (int pixel = 0; pixel < mask.width(); ++pixel) {
-        const int column = qFloor(pixel / mask.devicePixelRatioF());
+        const int column = qFloor(pixel / ratio);
         const int step = std::min(column, width - 1 - column) + 1;
         if (step <= fadeWidth) {
             firstLine[pixel] = uint(std::max(step, 1)) << 28;
@@ -117,6 +117,7 @@ void ScrollText::updateShownText()
     }
     m_shownText.prepare(QTransform(), font());
     m_shownSize = QSize(metrics.horizontalAdvance(m_shownText.text()), metrics.height());
+    m_picture = QImage();
 }
 
 void ScrollText::timer_timeout()
@@ -130,9 +131,11 @@ void ScrollText::timer_timeout()
 
 void ScrollText::resizeEvent(QResizeEvent*)
 {
-    m_frame = screenImage(size(), devicePixelRatioF());
-    m_fadeMask = screenImage(size(), devicePixelRatioF());
-    fillFadeMask(m_fadeMask, width());
+    m_ratio = devicePixelRatioF();
+    m_frame = screenImage(size(), m_ratio);
+    m_fadeMask = screenImage(size(), m_ratio);
+    fillFadeMask(m_fadeMask, width(), m_ratio);
+    m_picture = QImage();
     if (overflows() != m_scrolling) {
         updateShownText();
     }
@@ -146,29 +149,51 @@ void ScrollText::paintEvent(QPaintEvent*)
         return;
     }
     drawFrame(painter);
+    // Pixel by pixel, too, which costs a fraction of an image that may have to be stretched.
+    painter.scale(1 / m_ratio, 1 / m_ratio);
     painter.drawImage(0, 0, m_frame);
 }
 
 void ScrollText::drawFrame(const QPainter& widgetPainter)
 {
-    m_frame.fill(0u);
+    const int offset = std::max(m_offset, 0);
+    const bool isInPicture = !m_picture.isNull() && offset >= m_pictureOffset
+        && offset < m_pictureOffset + (pictureWidths - 1) * width();
+    if (!isInPicture || m_picturePen != widgetPainter.pen()
+        || m_pictureFont != widgetPainter.font())
+        drawPicture(widgetPainter, offset);
+
     QPainter painter(&m_frame);
-    painter.setPen(widgetPainter.pen());
-    painter.setFont(widgetPainter.font());
-    for (int x = std::min(-m_offset, 0) + m_margin; x < width(); x += m_shownSize.width()) {
-        painter.drawStaticText(QPointF(x + textIndent, 0.0), m_shownText);
-    }
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    const QPoint shown(qRound((offset - m_pictureOffset) * m_ratio), 0);
+    painter.drawImage(QPoint(), m_picture, QRect(shown, m_frame.size()));
     painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
-    // The edges are drawn as pieces of the mask, pixel by pixel: a clip would have to be allocated
-    // at each repaint.
-    const qreal ratio = m_frame.devicePixelRatioF();
-    painter.scale(1 / ratio, 1 / ratio);
-    const QSize edge(qCeil(fadeWidth * ratio), m_fadeMask.height());
+    // The edges are drawn as pieces of the mask: a clip would have to be allocated at each repaint.
+    const QSize edge(qCeil(fadeWidth * m_ratio), m_fadeMask.height());
     const QRect rightEdge(QPoint(m_fadeMask.width() - edge.width(), 0), edge);
     const QRect leftEdge(QPoint(0, 0), edge);
     painter.drawImage(rightEdge, m_fadeMask, rightEdge);
     painter.setOpacity(leftFadeOpacity(m_offset));
     painter.drawImage(leftEdge, m_fadeMask, leftEdge);
+}
+
+/// The letters cost more than all else, so they are drawn for many steps at once. Not all of them:
+/// a title may be of any length.
+void ScrollText::drawPicture(const QPainter& widgetPainter, int offset)
+{
+    const int pictureWidth = pictureWidths * width();
+    m_picture = screenImage(QSize(pictureWidth, height()), m_ratio);
+    m_picture.fill(0u);
+    m_pictureOffset = offset;
+    m_picturePen = widgetPainter.pen();
+    m_pictureFont = widgetPainter.font();
+
+    QPainter painter(&m_picture);
+    painter.scale(m_ratio, m_ratio);
+    painter.setPen(m_picturePen);
+    painter.setFont(m_pictureFont);
+    for (int x = m_margin - offset; x < pictureWidth; x += m_shownSize.width())
+        painter.drawStaticText(QPointF(x + textIndent, 0.0), m_shownText);
 }
 
 void ScrollText::showEvent(QShowEvent* event)

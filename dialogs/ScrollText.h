@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QImage>
+#include <QPen>
 #include <QStaticText>
 #include <QTimer>
 #include <QWidget>
@@ -41,6 +42,7 @@ private:
     void updateShownText();
     void setTextColour(const QColor& colour);
     void drawFrame(const QPainter& widgetPainter);
+    void drawPicture(const QPainter& widgetPainter, int offset);
 
     QString m_text;
     QString m_separator;
@@ -50,8 +52,13 @@ private:
     int m_margin = 0;
     bool m_scrolling = false;
     int m_offset = 0; ///< pixels scrolled, or ticks left to rest, negative
+    qreal m_ratio = 1.0; ///< pixels of the images a logical one
     QImage m_fadeMask;
     QImage m_frame;
+    QImage m_picture; ///< what passes by from an offset on, without fading; null: to be drawn
+    int m_pictureOffset = 0;
+    QPen m_picturePen;
+    QFont m_pictureFont;
     QTimer m_timer;
     const bool m_hoverColour;
 };
