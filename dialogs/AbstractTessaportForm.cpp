@@ -15,6 +15,8 @@ AbstractTessaportForm::AbstractTessaportForm(QWidget* parent)
 {
     m_ui->setupUi(this);
     setAttribute(Qt::WA_TranslucentBackground);
+    // The panels stand beside each other and beside the strip, and only one of them is active.
+    setAttribute(Qt::WA_AlwaysShowToolTips);
     setWindowFlags((windowFlags() & Qt::Dialog) | Qt::FramelessWindowHint
                    | Qt::WindowStaysOnTopHint);
     keepPlaceWhenShown(this);

@@ -61,6 +61,8 @@ void MainForm::setupWindow()
     m_ui->setupUi(this);
     m_ui->label->setPixmap(picture(QStringLiteral(":/images/logo.png")));
     setAttribute(Qt::WA_TranslucentBackground);
+    // Those who look at it work in another window.
+    setAttribute(Qt::WA_AlwaysShowToolTips);
     m_mainImage = panelImage(QStringLiteral(":/images/main.png"));
     setWindowFlags((windowFlags() & Qt::Dialog) | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint
                    | Qt::WindowStaysOnTopHint);

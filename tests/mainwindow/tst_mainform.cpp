@@ -16,6 +16,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+#include <QToolTip>
 
 namespace {
 
@@ -124,6 +125,24 @@ private slots:
         QCOMPARE(strip.reports(), QList<int>({-1, 0, 2}));
         QCOMPARE(strip.session->displayActivetime(), QTime(0, 1));
         QCOMPARE(strip.session->displayWorktime(), QTime(0, 1, 30));
+    }
+
+    void toolTipBesideAnotherWindow()
+    {
+        Strip strip(false, QString());
+        strip.form->show();
+        QWidget other;
+        other.show();
+        QVERIFY(QTest::qWaitForWindowActive(&other));
+        QTest::mouseMove(strip.play, QPoint(20, 20));
+        QTRY_COMPARE(QToolTip::text(), strip.play->toolTip());
+        // Not papered with the picture of the button.
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        const auto tip = std::find_if(windows.begin(), windows.end(), [](const QWidget* window) {
+            return window->inherits("QTipLabel");
+        });
+        const QImage image = (*tip)->grab().toImage();
+        QCOMPARE(image.pixel(3, 9), image.pixel(20, 9));
     }
 
     void stopInMidMinute()
