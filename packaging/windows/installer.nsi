@@ -4,6 +4,7 @@
 ;   VERSION  of the program, "1.2.3"
 ;   PROGRAM  path of tessaport-monitor.exe
 ;   CLOSER   path of tessaport-closer.exe
+;   PAGE     path of the user's page, one file of HTML
 ;   ICON     path of the program's icon
 ;   OUTPUT   path of the installer to make
 ; With /S it asks nothing; /D=C:\folder, last and unquoted, chooses another folder.
@@ -19,6 +20,8 @@ SetCompressor /SOLID lzma
 !define COMPANY "TessaPort"
 !define FILE "tessaport-monitor.exe"
 !define UPDATER "TPMC-update.exe"
+!define PAGE_FILE "user.ru.html"
+!define PAGE_SHORTCUT "$SMPROGRAMS\${NAME}, руководство.lnk"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\${NAME}"
 !define RUN_KEY "Software\Microsoft\Windows\CurrentVersion\Run"
 ; The value for the start at logon bears no quotes, so that the folder should have no blanks. That of
@@ -114,9 +117,11 @@ Section
     !insertmacro closeMonitor
     SetOutPath "$INSTDIR"
     File "/oname=${FILE}" "${PROGRAM}"
+    File "/oname=${PAGE_FILE}" "${PAGE}"
     Call leaveEarlierFolder
     WriteUninstaller "$INSTDIR\uninstall.exe"
     CreateShortcut "$SMPROGRAMS\${NAME}.lnk" "$INSTDIR\${FILE}"
+    CreateShortcut "${PAGE_SHORTCUT}" "$INSTDIR\${PAGE_FILE}"
 
     WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayName" "${NAME}"
     WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayVersion" "${VERSION}"
@@ -149,7 +154,9 @@ Section "un.Remove"
     ${EndIf}
 
     Delete "$SMPROGRAMS\${NAME}.lnk"
+    Delete "${PAGE_SHORTCUT}"
     Delete "$INSTDIR\${FILE}"
+    Delete "$INSTDIR\${PAGE_FILE}"
     Delete "$INSTDIR\${UPDATER}"
     Delete "$INSTDIR\uninstall.exe"
     RMDir "$INSTDIR"
