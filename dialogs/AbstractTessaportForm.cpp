@@ -31,6 +31,7 @@ void AbstractTessaportForm::setBackground(const QString& resource)
 {
     m_backgroundName = resource;
     m_background = panelImage(resource);
+    m_stretchedBackground = QImage();
     update();
 }
 
@@ -66,5 +67,5 @@ void AbstractTessaportForm::paintEvent(QPaintEvent* event)
 {
     QWidget::paintEvent(event);
     QPainter painter(this);
-    paintPanel(painter, m_background);
+    paintPanel(painter, m_background, m_stretchedBackground);
 }

@@ -38,6 +38,7 @@ protected:
 
 private:
     QImage m_background;
+    QImage m_stretchedBackground; ///< paintPanel()'s
     QString m_backgroundName;
     int m_tallest = 0; ///< the height it is drawn for; 0 before setHeight()
     bool m_movable = true;

@@ -129,6 +129,7 @@ private:
     // Display
     std::unique_ptr<Ui::MainForm> m_ui;
     QImage m_mainImage;
+    QImage m_stretchedImage; ///< paintPanel()'s
     QMenu* m_menu = nullptr;
     QSystemTrayIcon* m_trayIcon = nullptr;
     QString m_trayPicture; ///< what the tray shows

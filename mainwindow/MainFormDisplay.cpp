@@ -135,7 +135,7 @@ void MainForm::paintEvent(QPaintEvent* event)
     AbstractMainForm::paintEvent(event);
     QPainter painter(this);
     painter.save();
-    paintPanel(painter, m_mainImage);
+    paintPanel(painter, m_mainImage, m_stretchedImage);
     painter.restore();
 }
 

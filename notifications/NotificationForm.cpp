@@ -164,7 +164,7 @@ void NotificationForm::paintEvent(QPaintEvent* event)
     placeInSlot(m_slot);
     QDialog::paintEvent(event);
     QPainter painter(this);
-    paintPanel(painter, m_background);
+    paintPanel(painter, m_background, m_stretchedBackground);
 }
 
 void NotificationForm::showEvent(QShowEvent* event)

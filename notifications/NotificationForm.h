@@ -73,4 +73,5 @@ private:
     bool m_closing = false;
     int m_slot = 0;
     const QImage m_background;
+    QImage m_stretchedBackground; ///< paintPanel()'s
 };

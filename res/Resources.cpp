@@ -9,6 +9,7 @@
 #include <QPalette>
 #include <QStyleFactory>
 #include <QTranslator>
+#include <QtMath>
 
 namespace {
 
@@ -101,6 +102,27 @@ void paintPanel(QPainter& painter, const QImage& panel)
 {
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     painter.drawImage(QRectF(painter.viewport()), panel, QRectF(panel.rect()));
+}
+
+void paintPanel(QPainter& painter, const QImage& panel, QImage& stretched)
+{
+    const QRect place = painter.viewport();
+    const qreal ratio = painter.device()->devicePixelRatioF();
+    const QSize pixels(qCeil(place.width() * ratio), qCeil(place.height() * ratio));
+    if (pixels == panel.size()) {
+        paintPanel(painter, panel);
+        return;
+    }
+    if (stretched.size() != pixels) {
+        stretched = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
+        stretched.fill(Qt::transparent);
+        QPainter stretching(&stretched);
+        stretching.scale(ratio, ratio);
+        stretching.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+        stretching.drawImage(QRectF(place), panel, QRectF(panel.rect()));
+    }
+    painter.scale(1 / ratio, 1 / ratio);
+    painter.drawImage(0, 0, stretched);
 }
 
 QImage shortenedPanel(const QImage& panel, int rows, qreal scale)

@@ -37,6 +37,10 @@ QImage panelImage(const QString& resource);
 
 /// The whole picture, stretched to the painter's viewport.
 void paintPanel(QPainter& painter, const QImage& panel);
+/// The same for a window that is repainted often: `stretched` is kept between the repaints, null at
+/// the first one and for another panel. It stays null where the panel does not have to be
+/// stretched.
+void paintPanel(QPainter& painter, const QImage& panel, QImage& stretched);
 
 /// The panel with fewer rows, for a window that is lower than it is drawn: taken from between its
 /// head and its foot, which keep their form. `scale` is the number of rows a unit.
