@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <QApplication>
+#include <QDialog>
+#include <QLabel>
+#include <QTime>
+#include <QTimer>
+
+/// The least that a window of the strip's kind can cost with Qt: it is there, it is woken ten times
+/// a second, as for a look at the last input, and once a second a label shows another time.
+int main(int argc, char* argv[])
+{
+    QCoreApplication::setAttribute(Qt::AA_ForceRasterWidgets);
+    QApplication application(argc, argv);
+    QDialog strip;
+    strip.setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint
+                         | Qt::WindowStaysOnTopHint);
+    strip.setFixedSize(392, 73);
+    QLabel clock(&strip);
+    clock.setGeometry(258, 26, 74, 26);
+
+    QTime time(0, 0);
+    int polls = 0;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, &clock, [&] {
+        if (++polls % 10 != 0)
+            return;
+        time = time.addSecs(1);
+        clock.setText(time.toString(QStringLiteral("hh:mm:ss")));
+    });
+    poll.start(100);
+    strip.show();
+    return QApplication::exec();
+}
