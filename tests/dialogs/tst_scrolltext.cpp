@@ -2,6 +2,7 @@
 #include "dialogs/AutoScrollLineEdit.h"
 #include "dialogs/ScrollText.h"
 #include "dialogs/TitleText.h"
+#include "support/FastClock.h"
 #include "support/TestMain.h"
 
 #include <QApplication>
@@ -139,17 +140,27 @@ private slots:
         QVERIFY(!moves(widget));
     }
 
-    void ticksOnlyWhileVisible()
+    /// Twenty pixels a second, after three seconds at rest; the same for a new text.
+    void runsByItselfWhileVisible()
     {
         Marquee widget;
-        tick(widget, restTicks);
         widget.show();
-        QImage last = middle(picture(widget));
-        QTRY_VERIFY(middle(picture(widget)) != last);
+        for (const QString& text : {longText.toUpper(), longText}) {
+            widget.setText(text);
+            const QImage atRest = picture(widget);
+            passTime(3000, 5);
+            QCOMPARE(middle(picture(widget)), middle(atRest));
+            passTime(500, 5);
+            QVERIFY(middle(picture(widget)) != middle(atRest));
+        }
         widget.hide();
-        last = middle(picture(widget));
-        QTest::qWait(200);
-        QCOMPARE(middle(picture(widget)), last);
+        const QImage hidden = picture(widget);
+        passTime(1000, 5);
+        QCOMPARE(picture(widget), hidden);
+        // It goes on from there.
+        widget.show();
+        passTime(500, 5);
+        QVERIFY(picture(widget) != hidden);
     }
 
     /// A title that fits is not even repainted, also when it is shown again.
@@ -230,6 +241,27 @@ private slots:
             }
             QCOMPARE(bar->value(), 0);
         }
+    }
+
+    /// By itself, twenty steps a second, after a second at either end.
+    void slidesInItsTime()
+    {
+        AutoScrollLineEdit widget;
+        widget.setFixedSize(100, 40);
+        widget.setPlainText(longText.repeated(4));
+        picture(widget);
+        const QScrollBar* const bar = widget.verticalScrollBar();
+        passTime(900, 5);
+        QCOMPARE(bar->value(), 0);
+        passTime(700, 5);
+        QVERIFY2(bar->value() > 5 && bar->value() < 16, qPrintable(QString::number(bar->value())));
+        for (int i = 0; i < 2 * bar->maximum() && bar->value() < bar->maximum(); ++i)
+            passTime(50, 5);
+        passTime(800, 5);
+        QCOMPARE(bar->value(), bar->maximum());
+        passTime(700, 5);
+        QVERIFY(bar->value() < bar->maximum() - 5);
+        QCOMPARE(widget.textInteractionFlags(), Qt::NoTextInteraction);
     }
 };
 

@@ -175,53 +175,6 @@ private slots:
         QCOMPARE(home.logged("Monitor started"), kills + 1);
     }
 
-    void byItselfInAnHour()
-    {
-        StandIn standIn(StandIn::demoData(), SERVICE_PORT);
-        // Its notices are gone too soon to be looked for.
-        BoundProcess windows;
-        windows.start(
-            QStringLiteral("xev"),
-            {QStringLiteral("-root"), QStringLiteral("-event"), QStringLiteral("substructure")});
-        QVERIFY(windows.waitForStarted(patience));
-        Home home(120);
-        home.signIn("1507", "48215", true);
-        Program program(home);
-        program.start();
-        const QString version = QStringLiteral("/monitor/tpmc.version");
-        QVERIFY(standIn.waitForRequests(version, 2, patience));
-        const QString timeSync = QStringLiteral("/api_get_active");
-        QVERIFY(standIn.waitForRequests(timeSync, 3, patience));
-        program.kill();
-        windows.kill();
-        QVERIFY(windows.waitForFinished(patience));
-
-        // At the start, and then every 29 minutes and every hour.
-        QCOMPARE(standIn.requests(version).size(), 2);
-        const QVector<SeenRequest> syncs = standIn.requests(timeSync);
-        QCOMPARE(syncs.size(), 3);
-        for (const SeenRequest& sync : syncs)
-            QVERIFY2(sync.query.contains(QLatin1String("task_id=1507")), qPrintable(sync.query));
-
-        // A machine that has other things to do takes some away from what happens more often.
-        const int minutes = activity(standIn).size();
-        const int refreshes = standIn.requests(QStringLiteral("/api_teams_tasks")).size();
-        const int pictureCount = pictures(standIn).size();
-        // That the monitor runs again, and twice what it runs for.
-        const int notices = QString::fromUtf8(windows.readAllStandardOutput())
-                                .count(QRegularExpression(QStringLiteral(
-                                    "CreateNotify [^\\n]*\\n[^\\n]*width 250, height 100")));
-        const QString counts = QStringLiteral("%1 minutes, %2 refreshes, %3 pictures, %4 notices")
-                                   .arg(minutes)
-                                   .arg(refreshes)
-                                   .arg(pictureCount)
-                                   .arg(notices);
-        QVERIFY2(minutes >= 15 && minutes <= 65, qPrintable(counts));
-        QVERIFY2(refreshes >= 15 && refreshes <= 65, qPrintable(counts));
-        QVERIFY2(pictureCount >= 4 && pictureCount <= 13, qPrintable(counts));
-        QVERIFY2(notices >= 2 && notices <= 4, qPrintable(counts));
-    }
-
 private:
     void compareLog(const Home& home)
     {

@@ -3,8 +3,6 @@
 #include "support/StandIn.h"
 #include "support/TestMain.h"
 
-#include <QUrlQuery>
-
 namespace {
 
 const QString strip = QStringLiteral("Tessaport");
@@ -207,38 +205,6 @@ private slots:
         QVERIFY(program.click(strip, {374, 10}));
         QVERIFY(program.waitForGone(strip));
         QVERIFY(program.isRunning());
-    }
-
-    void laterDeadline()
-    {
-        StandIn standIn(StandIn::demoData(), SERVICE_PORT);
-        Home home;
-        home.signIn("1507", "48211", false);
-        Program program(home);
-        program.start();
-        QVERIFY(program.click(strip, {374, 40}));
-        const QString dialog = QStringLiteral("Запрос на продление задачи");
-        const QPoint ok(57, 337);
-        QVERIFY(program.click(dialog, ok));
-        // Asks for a reason and stays.
-        QVERIFY(program.waitForNotices(1));
-        const QPoint notice = program.notices().first().center();
-        QVERIFY(program.click(dialog, {100, 270}));
-        QVERIFY(program.waitForActive(dialog));
-        Desktop::type("Waiting for 50%");
-        // Goes by a click, beside which the typing goes on.
-        Desktop::click(notice);
-        Desktop::type(" of texts & pictures");
-        QVERIFY(program.click(dialog, ok));
-        QVERIFY(program.waitForGone(dialog));
-        const QString path = QStringLiteral("/api_task_deadline_request");
-        QVERIFY(standIn.waitForRequests(path, 1, patience));
-        const QUrlQuery query(standIn.requests(path).first().query);
-        QCOMPARE(query.queryItemValue(QStringLiteral("message"), QUrl::FullyDecoded),
-                 QStringLiteral("Waiting for 50% of texts & pictures"));
-        QCOMPARE(query.queryItemValue(QStringLiteral("dl_date")), QStringLiteral("2024-05-14"));
-        // The time of the form at rest.
-        QVERIFY(!query.hasQueryItem(QStringLiteral("dl_time")));
     }
 
 private:

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Strip.h"
+
+#include "dialogs/CalendarForm.h"
+#include "res/Resources.h"
+#include "service/ServiceTest.h"
+#include "support/FastClock.h"
+#include "support/TestMain.h"
+
+#include <QPlainTextEdit>
+
+/// What happens by itself, and when.
+class TimersTest : public QObject, private ServiceTest {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { initResources(); }
+
+    /// Half an hour with the monitor, and half an hour without.
+    void anHour()
+    {
+        QVERIFY(start());
+        client().setCurrentTask(QStringLiteral("1507"), QStringLiteral("48211"));
+        m_strip = std::make_unique<MainForm>(&client(), nullptr);
+        auto* play = m_strip->findChild<QPushButton*>(QStringLiteral("pbPlay"));
+        play->click();
+        UpdateState::instance()->setForceUpdate(true);
+        passTime(3000, 1000);
+        QVERIFY(!UpdateState::instance()->forceUpdate());
+        // Each second is seen.
+        const QString before = shownTime();
+        passTime(1000, 1000);
+        QVERIFY(shownTime() != before);
+
+        passTime(1799000, 1000);
+        QCOMPARE(shownNotices().size(), 1);
+        QTRY_COMPARE(counted(), QStringLiteral("30 minutes, 31 refreshes, 2 syncs, 1 versions"));
+        const int pictures = countOf("screenshot");
+        QVERIFY2(pictures == 5 || pictures == 6, qPrintable(QString::number(pictures)));
+        const QString query = standIn().requests(QStringLiteral("/api_get_active"))[0].query;
+        QVERIFY2(query.contains(QLatin1String("task_id=1507")), qPrintable(query));
+
+        play->click();
+        const QString stopped = shownTime();
+        passTime(60000, 1000);
+        QCOMPARE(shownTime(), stopped);
+        passTime(1740000, 1000);
+        QCOMPARE(shownNotices(), QStringList());
+        QTRY_COMPARE(counted(), QStringLiteral("30 minutes, 61 refreshes, 3 syncs, 2 versions"));
+        QCOMPARE(countOf("screenshot"), pictures);
+    }
+
+    /// What was counted until the next picture, a stop takes back.
+    void pictureAfterAStop()
+    {
+        Strip strip(true);
+        passTime(240000, 1000);
+        QCOMPARE(strip.reports().count(-1), 1);
+        strip.play->click();
+        passTime(301000, 1000);
+        strip.play->click();
+        passTime(299000, 1000);
+        QCOMPARE(strip.reports().count(-1), 1);
+        passTime(65000, 1000);
+        QCOMPARE(strip.reports().count(-1), 2);
+    }
+
+    void laterDeadline()
+    {
+        QTimer::singleShot(0, m_strip.get(), [] {
+            auto* form = visibleForm<CalendarForm>();
+            QVERIFY(form);
+            form->findChild<QPlainTextEdit*>()->setPlainText(QStringLiteral("ill"));
+            form->accept();
+        });
+        QVERIFY(QMetaObject::invokeMethod(m_strip.get(), "on_pbTimeExtend_clicked"));
+        const QString path = QStringLiteral("/api_task_deadline_request");
+        QVERIFY(standIn().waitForRequests(path, 1));
+        const QString query = standIn().requests(path)[0].query;
+        QVERIFY2(query.contains(QLatin1String("message=ill")), qPrintable(query));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        for (const QWidget* window : QApplication::topLevelWidgets())
+            QVERIFY(!qobject_cast<const CalendarForm*>(window));
+    }
+
+private:
+    QString shownTime() const { return labelText(*m_strip, "lbClock"); }
+
+    int countOf(const char* kind)
+    {
+        const QJsonArray records = standIn().confirmedRecords();
+        return int(std::count_if(records.begin(), records.end(), [kind](const QJsonValue& record) {
+            return record[QLatin1String("kind")] == QLatin1String(kind);
+        }));
+    }
+
+    QString counted()
+    {
+        const auto requests = [this](const char* path) {
+            return standIn().requests(QLatin1String(path)).size();
+        };
+        return QStringLiteral("%1 minutes, %2 refreshes, %3 syncs, %4 versions")
+            .arg(countOf("activity"))
+            .arg(requests("/api_teams_tasks"))
+            .arg(requests("/api_get_active"))
+            .arg(requests("/monitor/tpmc.version"));
+    }
+
+    std::unique_ptr<MainForm> m_strip;
+};
+
+TESSAPORT_TEST_MAIN(TimersTest, QApplication)
+
+#include "tst_timers.moc"
