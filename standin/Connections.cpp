@@ -4,6 +4,7 @@
 #include <mutex>
 #include <set>
 
+#include <netinet/tcp.h>
 #include <openssl/ssl.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -35,11 +36,23 @@ void remember(const httplib::Request& request)
     const std::lock_guard lock(mutex);
     if (index >= 0)
         open.insert(request.ssl);
+    // The client sends head and body apart and waits with the body until the head is acknowledged,
+    // for which the system would take 40 milliseconds.
+    const int on = 1;
+    setsockopt(SSL_get_fd(request.ssl), IPPROTO_TCP, TCP_QUICKACK, &on, sizeof on);
 }
 
 void drop(const httplib::Request& request)
 {
     shutDown(request.ssl);
+}
+
+void reset(const httplib::Request& request)
+{
+    // A socket that is connected to nowhere lets go of its connection at once.
+    sockaddr nowhere{};
+    nowhere.sa_family = AF_UNSPEC;
+    ::connect(SSL_get_fd(request.ssl), &nowhere, sizeof nowhere);
 }
 
 bool isClosedByClient(const httplib::Request& request)

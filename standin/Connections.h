@@ -11,11 +11,13 @@ namespace standin {
 /// ones to time out; this gives both. All functions may be called from any thread.
 namespace Connections {
 
-/// To be called with every request before anything else here.
+/// To be called with every request before anything else here, and before its body is read.
 void remember(const httplib::Request& request);
 
 /// Ends the connection of a request: the client sees it closed without a byte of an answer.
 void drop(const httplib::Request& request);
+/// The same, but the client sees it reset.
+void reset(const httplib::Request& request);
 
 /// Whether the client has closed its side.
 bool isClosedByClient(const httplib::Request& request);

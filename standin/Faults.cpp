@@ -7,18 +7,26 @@
 namespace standin {
 namespace {
 
-constexpr std::pair<Fault::Mode, const char*> modeNames[] = {
-    {Fault::Mode::Refuse, "refuse"},
-    {Fault::Mode::Delay, "delay"},
-    {Fault::Mode::Hang, "hang"},
-    {Fault::Mode::DropBefore, "drop-before"},
-    {Fault::Mode::DropAfter, "drop-after"},
-    {Fault::Mode::DropKept, "drop-kept"},
-    {Fault::Mode::Garbage, "garbage"},
-    {Fault::Mode::Html, "html"},
-    {Fault::Mode::Database, "database"},
-    {Fault::Mode::Status500, "status500"},
-    {Fault::Mode::Answer, "answer"},
+struct ModeText {
+    Fault::Mode mode;
+    const char* name;
+    const char* meaning;
+};
+
+constexpr ModeText modeTexts[] = {
+    {Fault::Mode::Refuse, "refuse", "the service's \"no\" as a body"},
+    {Fault::Mode::Delay, "delay", "the right answer, late by ms (default 2000)"},
+    {Fault::Mode::Hang, "hang", "no answer until told otherwise, at most for ms (600000)"},
+    {Fault::Mode::DropBefore, "drop-before", "the connection ends before the body is read"},
+    {Fault::Mode::DropAfter, "drop-after", "it ends after reading; nothing is kept"},
+    {Fault::Mode::DropKept, "drop-kept", "it ends after reading and keeping"},
+    {Fault::Mode::ResetKept, "reset-kept", "it is reset after reading and keeping"},
+    {Fault::Mode::Garbage, "garbage", "bytes that mean nothing"},
+    {Fault::Mode::Html, "html", "a page in the place of data"},
+    {Fault::Mode::Database, "database", "the words for a database out of reach"},
+    {Fault::Mode::Status500, "status500", "an HTTP error"},
+    {Fault::Mode::Endless, "endless", "a body without an end"},
+    {Fault::Mode::Answer, "answer", "the body of the order"},
 };
 
 std::string garbage()
@@ -34,20 +42,31 @@ std::string garbage()
 
 std::optional<Fault::Mode> Fault::modeNamed(const std::string& name)
 {
-    for (const auto& [mode, modeName] : modeNames) {
-        if (name == modeName)
-            return mode;
+    for (const ModeText& text : modeTexts) {
+        if (name == text.name)
+            return text.mode;
     }
     return std::nullopt;
 }
 
 std::string Fault::name(Mode mode)
 {
-    for (const auto& [known, modeName] : modeNames) {
-        if (known == mode)
-            return modeName;
+    for (const ModeText& text : modeTexts) {
+        if (text.mode == mode)
+            return text.name;
     }
     return {};
+}
+
+std::string Fault::explanation()
+{
+    std::string result;
+    for (const ModeText& text : modeTexts) {
+        std::string name = text.name;
+        name.resize(14, ' ');
+        result += "  " + name + text.meaning + "\n";
+    }
+    return result;
 }
 
 std::optional<std::string> Fault::answer() const
@@ -90,8 +109,7 @@ void Faults::clearAll()
 {
     const std::lock_guard lock(m_mutex);
     m_faults.clear();
-    for (auto& [path, order] : m_orders)
-        ++order;
+    ++m_clearings;
     m_changed.notify_all();
 }
 
@@ -107,10 +125,11 @@ std::optional<Fault> Faults::take(const std::string& path)
     return fault;
 }
 
-void Faults::delay(std::chrono::milliseconds time)
+bool Faults::delay(std::chrono::milliseconds time)
 {
     std::unique_lock lock(m_mutex);
-    m_changed.wait_for(lock, time, [this] { return m_stopped; });
+    const int clearings = m_clearings;
+    return !m_changed.wait_for(lock, time, [&] { return m_stopped || m_clearings != clearings; });
 }
 
 bool Faults::hang(const std::string& path, const Fault& fault,
@@ -119,12 +138,14 @@ bool Faults::hang(const std::string& path, const Fault& fault,
     constexpr std::chrono::milliseconds step(50);
     const auto end = std::chrono::steady_clock::now() + fault.time;
     std::unique_lock lock(m_mutex);
-    const auto isOver = [&] { return m_stopped || m_orders[path] != fault.order; };
-    while (!m_changed.wait_for(lock, step, isOver)) {
+    const int clearings = m_clearings;
+    const auto isOver = [&] { return m_stopped || m_clearings != clearings; };
+    const auto isReleased = [&] { return m_orders[path] != fault.order; };
+    while (!m_changed.wait_for(lock, step, [&] { return isOver() || isReleased(); })) {
         if (std::chrono::steady_clock::now() >= end || clientHasGone())
             return false;
     }
-    return !m_stopped;
+    return !isOver();
 }
 
 void Faults::stop()

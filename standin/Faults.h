@@ -13,20 +13,22 @@
 
 namespace standin {
 
-/// How a request is failed.
+/// How a request is failed. What each mode does stands in explanation().
 struct Fault {
     enum class Mode {
-        Refuse, ///< the service's "no" as a body
-        Delay, ///< the right answer, late
-        Hang, ///< no answer and no end, until told otherwise or the time is up
-        DropBefore, ///< the connection ends before the body is read
-        DropAfter, ///< the connection ends after reading; nothing is kept
-        DropKept, ///< the connection ends after reading and keeping
-        Garbage, ///< bytes that mean nothing
-        Html, ///< a page in the place of data
-        Database, ///< the service's words for a database it cannot reach
-        Status500, ///< an HTTP error
-        Answer, ///< a body of the caller's
+        Refuse,
+        Delay,
+        Hang,
+        DropBefore,
+        DropAfter,
+        DropKept,
+        ResetKept,
+        Garbage,
+        Html,
+        Database,
+        Status500,
+        Endless,
+        Answer,
     };
 
     Mode mode;
@@ -38,6 +40,8 @@ struct Fault {
     /// Nothing for a name that is none.
     static std::optional<Mode> modeNamed(const std::string& name);
     static std::string name(Mode mode);
+    /// A line for each mode: its name and what it does.
+    static std::string explanation();
 
     /// The body that the client gets; nothing for modes that have none of their own.
     std::optional<std::string> answer() const;
@@ -50,15 +54,16 @@ public:
     void set(const std::string& path, Fault fault);
     /// The path answers rightly again. Requests that hang on it are released.
     void clear(const std::string& path);
+    /// All paths answer rightly again. What waits is of the time before, and is not to be answered.
     void clearAll();
 
     /// The fault for one request, counted down; nothing when it is to be answered rightly.
     std::optional<Fault> take(const std::string& path);
 
-    /// Waits for the time; less when stopped.
-    void delay(std::chrono::milliseconds time);
+    /// Waits for the time, and is true then; false when everything is cleared or stops.
+    bool delay(std::chrono::milliseconds time);
     /// Waits with a fault that was taken until its path is told otherwise, and is true then; false
-    /// when the time is up, the client has gone or everything stops.
+    /// when the time is up, the client has gone, or everything is cleared or stops.
     bool hang(const std::string& path, const Fault& fault,
               const std::function<bool()>& clientHasGone);
 
@@ -73,6 +78,7 @@ private:
     std::condition_variable m_changed;
     std::map<std::string, Fault> m_faults;
     std::map<std::string, int> m_orders; ///< path to how many orders it has had
+    int m_clearings = 0;
     bool m_stopped = false;
 };
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cctype>
 #include <iostream>
+#include <regex>
 #include <stdexcept>
 #include <utility>
 
@@ -37,6 +38,11 @@ std::string lowerCase(std::string text)
     return text;
 }
 
+bool serves(const char* pattern, const std::string& path)
+{
+    return std::regex_match(path, std::regex(pattern));
+}
+
 /// False when the client went away before all of it came.
 bool readBody(const httplib::Request& request, const httplib::ContentReader* reader,
               std::string& body)
@@ -54,11 +60,21 @@ bool readBody(const httplib::Request& request, const httplib::ContentReader* rea
 
 } // namespace
 
-struct Service::Endpoint {
-    const char* method;
-    const char* pattern;
-    Handler handler;
-    bool isOrder;
+const Service::Endpoint Service::endpoints[] = {
+    {"GET", "/api_teams", &Service::signIn, false},
+    {"GET", "/api_teams_tasks", &Service::teams, false},
+    {"GET", "/api_get_task", &Service::details, false},
+    {"GET", "/api_get_active", &Service::dayTotals, false},
+    {"POST", "/api_task_deadline_request", &Service::deadlineRequest, false},
+    {"POST", "/api_active2", &Service::activity, false},
+    {"POST", "/api_screenshot", &Service::screenshot, false},
+    {"GET", R"(/monitor/tpmc\.version)", &Service::version, false},
+    {"GET", "/|/monitor/?", &Service::overview, false},
+    {"GET", "/task", &Service::task, false},
+    {"GET", R"(/picture/[0-9a-z-]+\.jpg)", &Service::picture, false},
+    {"POST", "/standin/fail", &Service::fail, true},
+    {"POST", "/standin/reset", &Service::reset, true},
+    {"GET", "/standin/state", &Service::state, true},
 };
 
 Service::Service(ServiceData& data, Store& store, Faults& faults, bool quiet)
@@ -69,24 +85,25 @@ Service::Service(ServiceData& data, Store& store, Faults& faults, bool quiet)
 {
 }
 
+std::string Service::orders()
+{
+    return "Orders, by a request to it:\n\n"
+           "  POST /standin/fail?path=P&mode=M[&count=N][&ms=T]\n"
+           "                fail the requests to a path, N of them or all; \"ok\" ends it\n"
+           "  POST /standin/reset\n"
+           "                forget faults, moved deadlines, requests and all that was kept\n"
+           "  GET /standin/state\n"
+           "                requests by path, confirmed records, faults, the folder\n\n"
+           "Modes:\n\n"
+        + Fault::explanation();
+}
+
 void Service::addTo(httplib::Server& server)
 {
-    static constexpr Endpoint endpoints[] = {
-        {"GET", "/api_teams", &Service::signIn, false},
-        {"GET", "/api_teams_tasks", &Service::teams, false},
-        {"GET", "/api_get_task", &Service::details, false},
-        {"GET", "/api_get_active", &Service::dayTotals, false},
-        {"POST", "/api_task_deadline_request", &Service::deadlineRequest, false},
-        {"POST", "/api_active2", &Service::activity, false},
-        {"POST", "/api_screenshot", &Service::screenshot, false},
-        {"GET", R"(/monitor/tpmc\.version)", &Service::version, false},
-        {"GET", "/|/monitor/?", &Service::overview, false},
-        {"GET", "/task", &Service::task, false},
-        {"GET", R"(/picture/[0-9a-z-]+\.jpg)", &Service::picture, false},
-        {"POST", "/standin/fail", &Service::fail, true},
-        {"POST", "/standin/reset", &Service::reset, true},
-        {"GET", "/standin/state", &Service::state, true},
-    };
+    server.set_pre_routing_handler([](const httplib::Request& request, httplib::Response&) {
+        Connections::remember(request);
+        return httplib::Server::HandlerResponse::Unhandled;
+    });
     for (const Endpoint& endpoint : endpoints) {
         const auto answer = endpoint.isOrder ? &Service::obey : &Service::serve;
         const Handler handler = endpoint.handler;
@@ -105,31 +122,45 @@ void Service::addTo(httplib::Server& server)
                        });
         }
     }
+    const std::string anything = ".*";
+    const auto refused = [this](const httplib::Request& request, httplib::Response& response) {
+        refuse(request, response, nullptr);
+    };
+    const auto refusedWithBody =
+        [this](const httplib::Request& request, httplib::Response& response,
+               const httplib::ContentReader& reader) { refuse(request, response, &reader); };
+    server.Get(anything, refused).Options(anything, refused);
+    server.Post(anything, refusedWithBody).Put(anything, refusedWithBody);
+    server.Patch(anything, refusedWithBody).Delete(anything, refusedWithBody);
+}
+
+Service::Call Service::callOf(const httplib::Request& request)
+{
+    const std::string query = queryOf(request);
+    return {request.method, request.path, query, queryParameters(query), {}};
 }
 
 void Service::serve(const httplib::Request& request, httplib::Response& response,
                     const httplib::ContentReader* reader, Handler handler)
 {
     using Mode = Fault::Mode;
-    Connections::remember(request);
-    Call call{request.method, request.path, queryOf(request), {}, {}};
-    call.parameters = queryParameters(call.query);
+    Call call = callOf(request);
     const std::optional<Fault> fault = m_faults.take(call.path);
     const std::string faultName = fault ? Fault::name(fault->mode) : std::string();
     const auto isFault = [&fault](Mode mode) { return fault && fault->mode == mode; };
 
     if (isFault(Mode::DropBefore)) {
-        log(request, call, faultName);
+        log(request, call, call.path, faultName);
         return Connections::drop(request);
     }
     if (!readBody(request, reader, call.body))
         return Connections::drop(request);
-    log(request, call, faultName);
+    log(request, call, call.path, faultName);
 
     if (isFault(Mode::DropAfter))
         return Connections::drop(request);
-    if (isFault(Mode::Delay))
-        m_faults.delay(fault->time);
+    if (isFault(Mode::Delay) && !m_faults.delay(fault->time))
+        return Connections::drop(request);
     const auto clientHasGone = [&request] { return Connections::isClosedByClient(request); };
     if (isFault(Mode::Hang) && !m_faults.hang(call.path, *fault, clientHasGone))
         return Connections::drop(request);
@@ -137,12 +168,21 @@ void Service::serve(const httplib::Request& request, httplib::Response& response
         response.status = 500;
         return response.set_content("Internal Server Error", plainText);
     }
+    if (isFault(Mode::Endless)) {
+        return response.set_chunked_content_provider(
+            plainText, [](size_t, httplib::DataSink& sink) {
+                static const std::string piece(65536, ' ');
+                return sink.write(piece.data(), piece.size());
+            });
+    }
     if (const auto own = fault ? fault->answer() : std::nullopt)
         return response.set_content(*own, plainText);
 
     const Answer answer = (this->*handler)(call);
     if (isFault(Mode::DropKept))
         return Connections::drop(request);
+    if (isFault(Mode::ResetKept))
+        return Connections::reset(request);
     response.status = answer.status;
     response.set_content(answer.body, answer.type);
 }
@@ -150,9 +190,7 @@ void Service::serve(const httplib::Request& request, httplib::Response& response
 void Service::obey(const httplib::Request& request, httplib::Response& response,
                    const httplib::ContentReader* reader, Handler handler)
 {
-    Connections::remember(request);
-    Call call{request.method, request.path, queryOf(request), {}, {}};
-    call.parameters = queryParameters(call.query);
+    Call call = callOf(request);
     if (!readBody(request, reader, call.body))
         return Connections::drop(request);
     const Answer answer = (this->*handler)(call);
@@ -160,7 +198,23 @@ void Service::obey(const httplib::Request& request, httplib::Response& response,
     response.set_content(answer.body, answer.type);
 }
 
-void Service::log(const httplib::Request& request, const Call& call, const std::string& fault)
+void Service::refuse(const httplib::Request& request, httplib::Response& response,
+                     const httplib::ContentReader* reader)
+{
+    Call call = callOf(request);
+    if (!readBody(request, reader, call.body))
+        return Connections::drop(request);
+    const bool isKnown =
+        std::any_of(std::begin(endpoints), std::end(endpoints),
+                    [&call](const Endpoint& e) { return serves(e.pattern, call.path); });
+    const std::string reason = isKnown ? "wrong method" : "unknown path";
+    log(request, call, call.method + " " + call.path, reason);
+    response.status = isKnown ? 405 : 404;
+    response.set_content(reason, plainText);
+}
+
+void Service::log(const httplib::Request& request, const Call& call, const std::string& name,
+                  const std::string& fault)
 {
     const std::string now = dateTime(std::time(nullptr));
     Json headers = Json::object();
@@ -170,7 +224,7 @@ void Service::log(const httplib::Request& request, const Call& call, const std::
             && name != "LOCAL_PORT")
             headers[lowerCase(name)] = content;
     }
-    m_store.logRequest(call.path,
+    m_store.logRequest(name,
                        {{"time", now},
                         {"method", call.method},
                         {"path", call.path},
@@ -317,6 +371,12 @@ Service::Answer Service::picture(const Call& call)
 Service::Answer Service::fail(const Call& call)
 {
     const std::string path = value(call.parameters, "path");
+    const bool isServed =
+        std::any_of(std::begin(endpoints), std::end(endpoints), [&path](const Endpoint& endpoint) {
+            return !endpoint.isOrder && serves(endpoint.pattern, path);
+        });
+    if (!isServed)
+        return {said("error", "no such path: " + path), plainText, 400};
     const std::string modeName = value(call.parameters, "mode");
     if (modeName == "ok") {
         m_faults.clear(path);
@@ -327,8 +387,8 @@ Service::Answer Service::fail(const Call& call)
     const auto time = number(value(call.parameters, "ms"));
     const bool countIsWrong = call.parameters.count("count") > 0 && (!count || *count < 1);
     const bool timeIsWrong = call.parameters.count("ms") > 0 && (!time || *time < 0);
-    if (!mode || path.empty() || countIsWrong || timeIsWrong)
-        return {said("error", "path, mode, count or ms is wrong"), plainText, 400};
+    if (!mode || countIsWrong || timeIsWrong)
+        return {said("error", "mode, count or ms is wrong"), plainText, 400};
 
     constexpr std::chrono::milliseconds usualDelay = std::chrono::seconds(2);
     constexpr std::chrono::milliseconds longestHang = std::chrono::minutes(10);

@@ -14,19 +14,16 @@
 namespace standin {
 
 /// The paths of the service: the calls of the client, the pages for the browser, and the orders
-/// under /standin/.
-///
-/// Orders:
-///   POST /standin/fail?path=P&mode=M[&count=N][&ms=T]  fail a path; see Fault::Mode for the modes,
-///        named in lower case as "drop-before"; "ok" ends it. The body is the answer of "answer".
-///   POST /standin/reset  forget faults, moved deadlines, requests and everything kept
-///   GET  /standin/state  requests by path, confirmed records, faults
+/// under /standin/, which orders() explains.
 class Service {
 public:
     /// All have to outlive it. Quiet: no line on standard output for each request.
     Service(ServiceData& data, Store& store, Faults& faults, bool quiet);
 
     void addTo(httplib::Server& server);
+
+    /// What can be ordered, for the tester.
+    static std::string orders();
 
 private:
     struct Call {
@@ -41,14 +38,27 @@ private:
         const char* type = "application/json; charset=utf-8";
         int status = 200;
     };
-    struct Endpoint;
     using Handler = Answer (Service::*)(const Call&);
+    struct Endpoint {
+        const char* method;
+        const char* pattern;
+        Handler handler;
+        bool isOrder;
+    };
+    static const Endpoint endpoints[14];
+
+    static Call callOf(const httplib::Request& request);
 
     void serve(const httplib::Request& request, httplib::Response& response,
                const httplib::ContentReader* reader, Handler handler);
     void obey(const httplib::Request& request, httplib::Response& response,
               const httplib::ContentReader* reader, Handler handler);
-    void log(const httplib::Request& request, const Call& call, const std::string& fault);
+    /// Answers what has no endpoint.
+    void refuse(const httplib::Request& request, httplib::Response& response,
+                const httplib::ContentReader* reader);
+    /// Counts the request under this name.
+    void log(const httplib::Request& request, const Call& call, const std::string& name,
+             const std::string& fault);
 
     Answer signIn(const Call& call);
     Answer teams(const Call& call);

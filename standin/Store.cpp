@@ -80,10 +80,10 @@ Store::Store(const fs::path& folder)
     load();
 }
 
-void Store::logRequest(const std::string& path, const Json& request)
+void Store::logRequest(const std::string& name, const Json& request)
 {
     const std::lock_guard lock(m_mutex);
-    ++m_requestCounts[path];
+    ++m_requestCounts[name];
     std::ofstream(m_folder / requestLog, std::ios::app | std::ios::binary)
         << compact(request) + "\n";
 }

@@ -42,9 +42,9 @@ public:
 
     const std::filesystem::path& folder() const { return m_folder; }
 
-    /// Appends a line; it is in the file when this returns.
-    void logRequest(const std::string& path, const Json& request);
-    /// Path to number of requests since the start.
+    /// Appends a line and counts it under the name; it is in the file when this returns.
+    void logRequest(const std::string& name, const Json& request);
+    /// Name to number of requests since the start.
     std::map<std::string, int> requestCounts() const;
 
     /// Numbers the record, writes it down and returns it. It appears whole or, with

@@ -35,14 +35,17 @@ what has arrived.
   --data FILE   accounts, teams and tasks as JSON, read again when edited
                 (default: demo data; sign in as demo@example.com with demo)
   --store DIR   the folder for what is received (default: a new temporary one)
+  --idle N      close connections that are idle for so many seconds (default 5)
   --quiet       no line for each request
   --help        this text
+
 )";
 
 struct Options {
     int port = 8443;
     std::string data;
     std::string store;
+    int idleSeconds = 5;
     bool quiet = false;
     bool help = false;
 };
@@ -61,7 +64,7 @@ Options parsedOptions(int argc, char* argv[])
             options.help = true;
             continue;
         }
-        if (name != "--port" && name != "--data" && name != "--store")
+        if (name != "--port" && name != "--data" && name != "--store" && name != "--idle")
             throw std::runtime_error("unknown option " + name);
         if (++i == argc)
             throw std::runtime_error(name + " needs a value");
@@ -71,10 +74,10 @@ Options parsedOptions(int argc, char* argv[])
         } else if (name == "--store") {
             options.store = value;
         } else {
-            const auto port = number(value);
-            if (!port || *port < 0 || *port > 65535)
-                throw std::runtime_error("not a port: " + value);
-            options.port = static_cast<int>(*port);
+            const auto count = number(value);
+            if (!count || *count < 0 || *count > 65535)
+                throw std::runtime_error(name + " takes a number up to 65535, not " + value);
+            (name == "--port" ? options.port : options.idleSeconds) = static_cast<int>(*count);
         }
     }
     return options;
@@ -88,7 +91,8 @@ std::string newTemporaryFolder()
     return name;
 }
 
-std::unique_ptr<httplib::SSLServer> makeServer(const Certificate& certificate, Service& service)
+std::unique_ptr<httplib::SSLServer> makeServer(const Certificate& certificate, int idleSeconds,
+                                               Service& service)
 {
     auto server =
         std::make_unique<httplib::SSLServer>(certificate.certificate.get(), certificate.key.get());
@@ -105,6 +109,7 @@ std::unique_ptr<httplib::SSLServer> makeServer(const Certificate& certificate, S
     constexpr int threads = 64;
     server->new_task_queue = [] { return new httplib::ThreadPool(threads); };
     server->set_keep_alive_max_count(1000);
+    server->set_keep_alive_timeout(idleSeconds);
     server->set_read_timeout(std::chrono::seconds(30));
     server->set_write_timeout(std::chrono::seconds(30));
     server->set_tcp_nodelay(true);
@@ -130,7 +135,7 @@ void run(const Options& options, const sigset_t& stopSignals)
     const Certificate certificate = makeCertificate();
 
     std::vector<std::unique_ptr<httplib::SSLServer>> servers;
-    servers.push_back(makeServer(certificate, service));
+    servers.push_back(makeServer(certificate, options.idleSeconds, service));
     int port = options.port;
     if (port == 0)
         port = servers.front()->bind_to_any_port("127.0.0.1");
@@ -139,7 +144,7 @@ void run(const Options& options, const sigset_t& stopSignals)
     if (port < 0)
         throw std::runtime_error("port " + std::to_string(options.port) + " cannot be used");
     // "localhost" may mean this one first; a machine without it does well with the other.
-    auto second = makeServer(certificate, service);
+    auto second = makeServer(certificate, options.idleSeconds, service);
     if (second->bind_to_port("::1", port))
         servers.push_back(std::move(second));
 
@@ -176,7 +181,7 @@ int main(int argc, char* argv[])
     try {
         const Options options = parsedOptions(argc, argv);
         if (options.help)
-            std::cout << usage;
+            std::cout << usage << Service::orders();
         else
             run(options, stopSignals);
         return EXIT_SUCCESS;

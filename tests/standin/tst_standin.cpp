@@ -2,9 +2,11 @@
 #include "support/StandIn.h"
 #include "support/TestMain.h"
 
+#include <QElapsedTimer>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSignalSpy>
+#include <QSslSocket>
 
 namespace {
 
@@ -59,7 +61,44 @@ private slots:
         QCOMPARE(exchange(QStringLiteral("/picture/000001-screenshot.jpg")), picture);
     }
 
+    void tellsWhatItDoesNotServe()
+    {
+        QCOMPARE(exchange(QStringLiteral("/api_active")), QByteArray("unknown path"));
+        QCOMPARE(exchange(activityPath), QByteArray("wrong method"));
+        QStringList seen;
+        for (const SeenRequest& request : m_standIn.requests())
+            seen.append(request.method + request.path + QLatin1Char(' ') + request.fault);
+        QCOMPARE(seen,
+                 QStringList({QStringLiteral("GET/api_active unknown path"),
+                              QStringLiteral("GET/api_active2 wrong method")}));
+        QCOMPARE(exchange(QStringLiteral("/standin/fail?path=/api_active&mode=hang"), "x"),
+                 QByteArray(R"({"status":"error","message":"no such path: /api_active"})"));
+    }
+
+    void letsOnlyWhatIsLateIntoTheStore()
+    {
+        m_standIn.fail(activityPath, QStringLiteral("delay"), 1, 300);
+        QElapsedTimer late;
+        late.start();
+        QCOMPARE(exchange(activityPath, report("active", "1")), ok);
+        QVERIFY(late.elapsed() >= 300);
+
+        // By hand, since the network layer would send it again.
+        m_standIn.fail(activityPath, QStringLiteral("hang"));
+        QSslSocket hanging;
+        hanging.setPeerVerifyMode(QSslSocket::VerifyNone);
+        hanging.connectToHostEncrypted(QStringLiteral("localhost"), QUrl(m_standIn.url()).port());
+        const QByteArray body = report("active", "2");
+        hanging.write("POST /api_active2 HTTP/1.1\r\nHost: localhost\r\nContent-Length: "
+                      + QByteArray::number(body.size()) + "\r\n\r\n" + body);
+        QVERIFY(m_standIn.waitForRequests(activityPath, 2));
+        m_standIn.reset();
+        QTRY_COMPARE(hanging.state(), QAbstractSocket::UnconnectedState);
+        QVERIFY(m_standIn.confirmedRecords().isEmpty());
+    }
+
 private:
+    /// What comes back; without a body it is asked by GET.
     QByteArray exchange(const QString& path, const QByteArray& body = {})
     {
         QNetworkRequest request(QUrl(m_standIn.url() + path));

@@ -47,14 +47,13 @@ public:
     /// Changes the service: the next request is answered out of the new data.
     void setData(const QJsonObject& data);
 
-    /// Makes a path fail: "refuse", "delay", "hang", "drop-before", "drop-after", "drop-kept",
-    /// "garbage", "html", "database", "status500" or "answer" (with a body given here).
+    /// Makes a path fail; tessaport-standin --help explains the modes. The body is that of
+    /// "answer".
     ///
     /// The count is how many requests more it holds for, -1 without end. A delay lasts the given
     /// milliseconds, a hang until succeed() or at most so long (0: ten minutes). Mind that
-    /// QNetworkAccessManager itself sends a request again, up to three times, when its connection
-    /// ends without an answer: a program is sure to see a drop only without a count, and one
-    /// "drop-kept" may confirm the same record up to four times.
+    /// QNetworkAccessManager itself sends what it can again, up to three times, when its connection
+    /// ends without an answer: a program is sure to see a drop only without a count.
     void fail(const QString& path, const QString& mode, int count = -1, int milliseconds = 0,
               const QByteArray& body = {});
     /// The path answers rightly again; what hangs on it is answered now.
