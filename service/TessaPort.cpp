@@ -2,6 +2,7 @@
 #include "service/TessaPort.h"
 
 #include "notifications/NotificationManager.h"
+#include "service/OneTimeBody.h"
 #include "service/ReportFile.h"
 #include "service/ServiceAddress.h"
 #include "service/ServiceReply.h"
@@ -70,7 +71,10 @@ QNetworkReply* TessaPort::post(Stage stage, const QUrl& url, const QByteArray& b
     QNetworkRequest request(url);
     request.setHeader(QNetworkRequest::ContentTypeHeader,
                       QByteArrayLiteral("application/x-www-form-urlencoded"));
-    return tagged(m_manager.post(request, body), stage);
+    auto* const oneTimeBody = new OneTimeBody(body);
+    QNetworkReply* const reply = m_manager.post(request, oneTimeBody);
+    oneTimeBody->setParent(reply);
+    return tagged(reply, stage);
 }
 
 QNetworkReply* TessaPort::tagged(QNetworkReply* reply, Stage stage)

@@ -99,6 +99,8 @@ private slots:
         QTRY_COMPARE(!onlineChanged.isEmpty(), isAway);
         QTest::qWait(50);
         QCOMPARE(waiting().size(), 1);
+        // The network layer would send it again by itself.
+        QCOMPARE(standIn().requests(path).size(), 1);
 
         standIn().succeed(path);
         client().sendActivity(2);
