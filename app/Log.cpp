@@ -40,7 +40,7 @@ void logMessageHandler(QtMsgType type, const QMessageLogContext&, const QString&
         logStream.flush();
     }
 
-    // Line feed and carriage return in this order, on purpose.
+    // In this order; see docs/decisions.md.
     std::cout << "Message(" << QByteArray::number(type).constData() << ") at "
               << timestamp().toUtf8().constData() << ": " << message.toUtf8().constData() << "\n\r";
 

@@ -54,7 +54,8 @@ BOOL CALLBACK captureMonitor(HMONITOR, HDC source, LPRECT rect, LPARAM userData)
 
 } // namespace
 
-// The contexts of GetDC and of the walk over the monitors are given back by DeleteDC, on purpose.
+// The contexts of GetDC and of the walk over the monitors are given back by DeleteDC; see
+// docs/decisions.md.
 void CaptureAllDisplays(std::vector<unsigned char>& out)
 {
     // In the reverse of the order in which they are freed.
@@ -163,7 +164,7 @@ void CreateBitmapFinal(std::vector<unsigned char>& out, HDC context, HBITMAP bit
 
     BITMAPFILEHEADER fileHeader = {};
     fileHeader.bfType = bitmapSignature;
-    // The pixels alone, without the headers: on purpose.
+    // The pixels alone, without the headers; see docs/decisions.md.
     fileHeader.bfSize = info.header.biSizeImage;
     fileHeader.bfOffBits = pixelOffset;
     std::memcpy(out.data(), &fileHeader, sizeof(fileHeader));

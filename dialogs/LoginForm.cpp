@@ -55,7 +55,7 @@ LoginForm::LoginForm(TessaPort* service, QWidget* parent)
     m_ui->pbEnter->setObjectName(QStringLiteral("pbTessaport"));
     keepMouseWithButtons(this);
     setAttribute(Qt::WA_TranslucentBackground);
-    // Qt::Dialog with Qt::Popup is Qt::Tool, unlike the other dialogs, on purpose.
+    // Qt::Dialog with Qt::Popup is Qt::Tool: a true pop-up would take the mouse from all programs.
     setWindowFlags((windowFlags() & Qt::Dialog) | Qt::Popup | Qt::FramelessWindowHint
                    | Qt::WindowStaysOnTopHint);
     m_ui->wTop->installEventFilter(this);

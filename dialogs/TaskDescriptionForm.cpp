@@ -26,7 +26,7 @@ constexpr int longestFileName = 214;
 /// In characters, of what a label shows in one line or a few.
 constexpr int longestLabel = 1000;
 
-// As in the task list, the picture named hovered is the one at rest; this is on purpose.
+// As in the task list, the picture named hovered is the one at rest.
 QString pageButtonStyle()
 {
     return QStringLiteral(
@@ -94,7 +94,7 @@ TaskDescriptionForm::TaskDescriptionForm(const QString& taskId, TessaPort* servi
     m_ui->pbCopyrightTasks->setStyleSheet(pageButtonStyle());
     m_ui->pbMainInfo->setStyleSheet(m_ui->pbCopyrightTasks->styleSheet());
     m_ui->textTask->setStyleSheet(QStringLiteral(" QTextBrowser {background-color: transparent;}"));
-    // On the list the selector matches nothing; this is on purpose.
+    // On the list the selector matches nothing; see docs/decisions.md.
     const QString requirementsStyle =
         QStringLiteral(" QTextBrowser {background-color: transparent; color:rgb(100,100,100)}");
     m_ui->textRequirements->setStyleSheet(requirementsStyle);

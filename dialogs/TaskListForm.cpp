@@ -22,8 +22,8 @@ namespace {
 
 constexpr char taskIdProperty[] = "task_id";
 
-// The picture named hovered is the one at rest and the one without a suffix is the hovered one;
-// this is on purpose.
+// The picture named hovered is the one at rest and the one without a suffix is the hovered one; see
+// docs/decisions.md.
 QString targetButtonStyle()
 {
     return QStringLiteral(
@@ -209,7 +209,7 @@ void TaskListForm::fillList(const QString& teamId)
 
 QWidget* TaskListForm::taskRow(const Task& task)
 {
-    // The separator also stands before a deadline that is not there; this is on purpose.
+    // The separator also stands before a deadline that is not there; see docs/decisions.md.
     const QString deadline = QStringLiteral(" | Истекает: ")
         + task.deadline.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
     const QString text = task.title + deadline;

@@ -62,7 +62,7 @@ private slots:
     void updateForNewLogin();
     void updateComments();
     /// Ends a slot and, with the tenth, the minute. When forced, the minute ends at once and
-    /// counts whole, and a picture goes with its report.
+    /// counts whole, and a picture goes with its report; nothing in the program forces it.
     void sendActivity(bool forceSend = false);
     void setHasActivity();
     void clock();

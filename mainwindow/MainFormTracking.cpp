@@ -212,7 +212,7 @@ void MainForm::checkUpdate()
     m_tessaPort->requestVersion();
 }
 
-// The team's id, on purpose, although the request calls it the task's.
+// The team's id, although the request calls it the task's; see docs/decisions.md.
 void MainForm::syncTime()
 {
     m_tessaPort->requestActive(m_tessaPort->session()->teamID());

@@ -18,7 +18,7 @@ QString overdueText(const QDateTime& deadline, const QDateTime& now)
     const QTime time = QTime(0, 0).addSecs(rest);
     if (time.hour() > 0)
         text += QStringLiteral("%1ч. ").arg(time.hour());
-    // The blank stands before this word only, on purpose.
+    // The blank stands before this word only; see docs/decisions.md.
     if (time.minute() > 0)
         text += QStringLiteral("%1 мин.").arg(time.minute());
     return text;

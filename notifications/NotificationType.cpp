@@ -13,7 +13,7 @@ struct TypeTraits {
     bool leadsToTask;
 };
 
-// "блокируюшая" is spelt so on purpose.
+// "блокируюшая" is spelt as it is known; see docs/decisions.md.
 constexpr TypeTraits allTraits[] = {
     {PlainNotification, "%1", true, false},
     {TeamAdded, "Добавлена новая команда \"%1\"", false, false},

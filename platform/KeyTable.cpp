@@ -23,7 +23,7 @@ constexpr KeyRow keyTable[] = {
     {Qt::Key_Insert, {45, 0xff63}},
     {Qt::Key_Delete, {46, 0xffff}},
     {Qt::Key_Pause, {19, 0xff13}},
-    {Qt::Key_Print, {42, 0xff61}}, // VK_PRINT, on purpose; the Print Screen key is VK_SNAPSHOT
+    {Qt::Key_Print, {42, 0xff61}}, // VK_PRINT; Print Screen is VK_SNAPSHOT
     {Qt::Key_Clear, {12, 0xff0b}},
     {Qt::Key_Home, {36, 0xff50}},
     {Qt::Key_End, {35, 0xff57}},

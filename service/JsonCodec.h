@@ -5,11 +5,10 @@
 #include <QString>
 #include <QVariant>
 
-/// The program's own JSON reader and writer on QVariant. The reader is forgiving (commas are
-/// optional, what follows the first value is ignored, a number without a point
-/// that fits no integer type stays text)
-/// and neither side throws or logs. Report files are read back by what wrote them, so the
-/// leniencies and number rules are settled.
+/// The program's own JSON reader and writer on QVariant. The reader is forgiving: commas are
+/// optional, what follows the first value is ignored, and a number without a point that fits no
+/// integer type stays text. Neither side throws or logs. Report files are read back by what wrote
+/// them, so the leniencies and number rules are settled.
 namespace JsonCodec {
 
 /// Containers nested deeper than this are broken text.

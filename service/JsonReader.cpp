@@ -294,7 +294,7 @@ bool Reader::readEscape(QString& result)
     case 'u':
         break;
     default:
-        // An unknown escape is dropped on purpose.
+        // An unknown escape is dropped; see docs/decisions.md.
         return true;
     }
 

@@ -119,7 +119,7 @@ void TessaPort::handleTaskInfo(QNetworkReply* reply)
     const ServiceReply::Answer answer = ServiceReply::answer(data);
     if (!answer.ok) {
         logUrl(reply);
-        // The words of the deadline's reply, on purpose.
+        // The words of the deadline's reply; see docs/decisions.md.
         qDebug() << "Request for deadline change: " << data;
         NotificationManager::instance()->showPlain(
             QStringLiteral("Ошибка получения данных по задаче: ") + answer.message.toString());

@@ -144,7 +144,7 @@ void registerRecords()
 {
     registerType<Task>("Task");
     registerType<QList<Task>>("QList<Task>");
-    // Both once more, on purpose: it does no harm.
+    // Both once more; see docs/decisions.md.
     registerType<Task>("Task");
     registerType<QList<Task>>("QList<Task>");
     registerType<Attachment>("Attachment");

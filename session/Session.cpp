@@ -51,7 +51,7 @@ void Session::addWorkMinute()
 void Session::addActiveMinute()
 {
     m_todayActivetime = m_todayActivetime.addSecs(60);
-    // The day's total, and not the task's own sum, on purpose.
+    // The day's total, and not the task's own sum; see docs/decisions.md.
     m_task2activeTimeMap[m_taskID] = m_todayActivetime;
 }
 
@@ -76,8 +76,8 @@ void Session::setTodayWorktime(const QTime& time)
 void Session::setTodayActivetime(const QTime& time)
 {
     m_todayActivetime = time;
-    // It is the shown work time that is compared and pulled, on purpose: setTodayWorktime()
-    // follows and sets it anyway.
+    // It is the shown work time that is compared and pulled: setTodayWorktime() follows and sets it
+    // anyway.
     if (m_displayWorktime.minute() == m_todayActivetime.minute())
         return;
     m_displayWorktime = m_todayActivetime;

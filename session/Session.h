@@ -89,7 +89,7 @@ public:
     void copyDeadlineToOtherTeams(const QString& teamId, const Task& task);
     void setTaskInfo(const QString& id, const TaskInfo& info);
     /// The details of a task. When there are none an empty record is stored under the id, and so
-    /// written to the file; this is on purpose.
+    /// written to the file; see docs/decisions.md.
     TaskInfo taskInfo(const QString& id);
 
     // --- Time

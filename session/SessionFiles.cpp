@@ -192,7 +192,7 @@ void Session::reset()
     m_taskID.clear();
     m_active = false;
     m_logged = false;
-    // Unlike in a new session, on purpose.
+    // Unlike in a new session; see docs/decisions.md.
     m_isOnline = false;
     m_worktimeDate = QDate::currentDate();
     clearCounters();

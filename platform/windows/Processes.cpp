@@ -21,8 +21,8 @@ struct HandleCloser {
 };
 using UniqueHandle = std::unique_ptr<std::remove_pointer_t<HANDLE>, HandleCloser>;
 
-// The systems that ask the user before they elevate. Those after them are on purpose not among
-// them: there the update program's own manifest asks.
+// The systems on which elevation has to be asked for. Those after them are not among them: there
+// the update program's own manifest asks.
 const wchar_t* startVerb()
 {
     QT_WARNING_PUSH
