@@ -26,12 +26,13 @@ bool hasVersion(const QVariantMap& report);
 QVariantMap rebuildLegacyReport(const QVariantMap& report, const QDateTime& now);
 
 /// The same for a report with a version, as every new one is. When its body names a picture, the
-/// picture is put into the body: these bytes, or, when there are none, those of the file; one that
-/// can't be read is logged and left out.
+/// picture is put into the body as "file", a QByteArray: these bytes, or, when there are none,
+/// those of the file; one that can't be read is logged and left out.
 QVariantMap rebuildReport(const QVariantMap& report, const QDateTime& now,
                           const QByteArray& picture = {});
 
-/// The form data of a post: an array that holds the body alone, percent-encoded.
+/// The form data of a post: an array that holds the body alone, percent-encoded. A QByteArray in
+/// the body, which only a picture is, is its base64.
 QByteArray payload(const QVariant& body);
 
 /// Writes a report into a file that appears in the directory only when all of it is on disk. The

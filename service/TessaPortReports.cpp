@@ -83,10 +83,11 @@ void TessaPort::sendScreenshot(const QImage& image)
     const QString picture = dataDir().absoluteFilePath(
         QStringLiteral("%1/screenshot%2.jpg")
             .arg(activityDir(), ReportFile::timestamp(QDateTime::currentDateTime())));
-    const bool isOnDisk = ReportFile::writePicture(picture, jpeg.data());
+    if (ReportFile::writePicture(picture, jpeg.data()))
+        jpeg.buffer().clear(); // It is large, and read again when it goes out.
     body.insert(QStringLiteral("fileName"), picture);
     qDebug("Screenshot prepared");
-    sendReport(screenshotPath, body, isOnDisk ? QByteArray() : jpeg.data());
+    sendReport(screenshotPath, body, jpeg.data());
 }
 
 void TessaPort::sendReport(const QString& path, const QVariantMap& body, const QByteArray& picture)

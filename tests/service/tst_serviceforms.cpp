@@ -94,6 +94,18 @@ private slots:
             ReportFile::payload(body),
             QByteArray("data=%5B%7B%22a%22%3A%221%20-._%2B%22%2C%22b%22%3A%22%D1%8F%2F~%5C%22%22"
                        "%7D%5D"));
+
+        // A picture of any size, with all bytes in it.
+        QByteArray picture;
+        for (int i = 0; i < 5000; ++i)
+            picture += char(i * 73 + i / 256);
+        for (const int size : {0, 1, 2, 3, 7, 8, 9, 4097, 5000}) {
+            const QByteArray bytes = picture.left(size);
+            const QVariantMap withPicture{{QStringLiteral("file"), bytes},
+                                          {QStringLiteral("fileName"), QString()}};
+            const QByteArray json = "[{\"file\":\"" + bytes.toBase64() + "\",\"fileName\":\"\"}]";
+            QCOMPARE(ReportFile::payload(withPicture), "data=" + json.toPercentEncoding());
+        }
     }
 
     void reportFile()
