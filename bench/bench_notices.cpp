@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "bench/WindowBench.h"
 #include "notifications/NotificationManager.h"
-#include "res/Resources.h"
 #include "session/Session.h"
-#include "support/TestMain.h"
-
-#include <benchmark/benchmark.h>
 
 #include <QApplication>
 #include <QScreen>
@@ -88,14 +85,5 @@ BENCHMARK(removeTasks)->Arg(10)->Arg(500)->Iterations(5)->Unit(benchmark::kMilli
 int main(int argc, char* argv[])
 {
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
-    benchmark::Initialize(&argc, argv);
-    TestHome home;
-    QApplication application(argc, argv);
-    initResources();
-    installPalette();
-    installFonts();
-    QFile styleSheet(QStringLiteral(":/qss/main.qss"));
-    styleSheet.open(QIODevice::ReadOnly);
-    application.setStyleSheet(QString::fromUtf8(styleSheet.readAll()));
-    benchmark::RunSpecifiedBenchmarks();
+    return runWindowBenchmarks(argc, argv);
 }

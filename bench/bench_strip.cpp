@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "bench/ByTurns.h"
+#include "bench/WindowBench.h"
 #include "dialogs/PanelFixture.h"
 #include "mainwindow/MainForm.h"
-#include "res/Resources.h"
-#include "support/TestMain.h"
 #include "support/TestServiceUrl.h"
 #include "update/UpdateState.h"
 
@@ -120,15 +119,6 @@ BENCHMARK(stepOfTitle)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
 int main(int argc, char* argv[])
 {
-    benchmark::Initialize(&argc, argv);
-    TestHome home;
-    QApplication application(argc, argv);
     setTestServiceUrl(QStringLiteral("https://localhost:1"));
-    initResources();
-    installPalette();
-    installFonts();
-    QFile styleSheet(QStringLiteral(":/qss/main.qss"));
-    styleSheet.open(QIODevice::ReadOnly);
-    application.setStyleSheet(QString::fromUtf8(styleSheet.readAll()));
-    benchmark::RunSpecifiedBenchmarks();
+    return runWindowBenchmarks(argc, argv);
 }

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "bench/WindowBench.h"
 #include "dialogs/PanelFixture.h"
 #include "dialogs/TaskListForm.h"
-#include "res/Resources.h"
-#include "support/TestMain.h"
-
-#include <benchmark/benchmark.h>
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -70,14 +67,5 @@ BENCHMARK(openTaskList)->Arg(0)->Arg(50)->Arg(500)->Unit(benchmark::kMillisecond
 
 int main(int argc, char* argv[])
 {
-    benchmark::Initialize(&argc, argv);
-    TestHome home;
-    QApplication application(argc, argv);
-    initResources();
-    installPalette();
-    installFonts();
-    QFile styleSheet(QStringLiteral(":/qss/main.qss"));
-    styleSheet.open(QIODevice::ReadOnly);
-    application.setStyleSheet(QString::fromUtf8(styleSheet.readAll()));
-    benchmark::RunSpecifiedBenchmarks();
+    return runWindowBenchmarks(argc, argv);
 }
