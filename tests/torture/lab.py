@@ -40,12 +40,15 @@ def wait_until(is_true, what, seconds=PATIENCE, pause=0.02):
     end = time.monotonic() + seconds
     while not is_true():
         if time.monotonic() > end:
-            raise Broken(f"waited {seconds} s in vain until {what}")
+            subprocess.run(["import", "-window", "root", SOURCE / "build/torture.png"], check=False)
+            raise Broken(f"waited {seconds} s in vain until {what}; the desktop then: build/torture.png")
         time.sleep(pause)
 
 
 def click(x, y):
-    subprocess.run(["xdotool", "mousemove", str(x), str(y), "click", "1"], check=True)
+    # Sooner, it would make a double click of two.
+    subprocess.run(["xdotool", "sleep", "0.5", "mousemove", str(x), str(y), "click", "1"],
+                   check=True)
 
 
 class Build:
