@@ -287,7 +287,7 @@ class Monitor:
             self.process.kill()
         self.process.wait()
 
-    def quit(self):
+    def quit(self, may_be_killed=False):
         """As at the end of a desktop session; a crash or an end before it breaks a promise."""
         expect(self.is_running, f"the program ended by itself with {self.process.poll()}")
         self.process.terminate()
@@ -296,7 +296,8 @@ class Monitor:
         except subprocess.TimeoutExpired:
             self.kill()
             raise Broken("the program does not end") from None
-        expect(code == 0, f"the program ended with {code}")
+        expect(code == 0 or (may_be_killed and code == -signal.SIGKILL),
+               f"the program ended with {code}")
 
     def resident_kilobytes(self):
         status = Path(f"/proc/{self.process.pid}/status").read_text()

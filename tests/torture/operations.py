@@ -68,7 +68,7 @@ class Trial:
             Ledger(home, self.service).check(self.kills)
             raise
         if monitor.is_running or not self.kills:
-            monitor.quit()
+            monitor.quit(may_be_killed=bool(self.kills))
         self.operations += seen.read_text().splitlines()
         seen.unlink()
 
