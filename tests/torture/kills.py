@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The program is killed at random moments while the service comes and goes."""
 
+import datetime
 import random
 import signal
 import time
@@ -35,7 +36,8 @@ class NoService:
 def run(build, options):
     kills = options.count or (12 if options.short else 1000)
     chance = random.Random(options.seed)
-    clock = Clock(speed=30)
+    # From now on, since the ages of files go by the real clock.
+    clock = Clock(speed=30, start=datetime.datetime.utcnow())
     with closing(Service(build)) as service, closing(Home(build, clock, task="kill-0")) as home:
         # The day's counters are the program's own here.
         service.fail("/api_get_active", "refuse")

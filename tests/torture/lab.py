@@ -75,6 +75,7 @@ class Service:
         self.folder = Path(tempfile.mkdtemp(prefix="torture-service-"))
         self.data = self.folder / "data.json"
         self.process = None
+        self.kept = {}
         self.set_data(data or self.plain_data())
         self.start()
 
@@ -128,10 +129,13 @@ class Service:
             self.fail(path, "ok")
 
     def confirmed(self):
-        """Each kept record as (kind, record, seconds since the epoch when it was kept)."""
-        for file in sorted((self.folder / "store").glob("*.json")):
-            entry = json.loads(file.read_text())
-            yield entry["kind"], entry["record"], file.stat().st_mtime
+        """Each kept record as (kind, record, seconds since the epoch when it was kept), in the order
+        of arrival. A kept record never changes."""
+        for file in (self.folder / "store").glob("*.json"):
+            if file.name not in self.kept:
+                entry = json.loads(file.read_text())
+                self.kept[file.name] = entry["kind"], entry["record"], file.stat().st_mtime
+        return [entry for _, entry in sorted(self.kept.items())]
 
     def requests(self, path=None):
         log = self.folder / "store/requests.jsonl"

@@ -3,13 +3,15 @@
 
 import errno
 import random
+import re
 from concurrent.futures import ThreadPoolExecutor
 from contextlib import closing
 
 from lab import Broken, Clock, Home, Service, expect, wait_until
 from ledger import Ledger
 
-HOWS = (str(errno.ENOSPC), str(errno.EIO), str(errno.EACCES), "short", "kill")
+HOWS = (str(errno.ENOSPC), str(errno.EIO), str(errno.EACCES), "kill")
+HOWS_OF_A_WRITE = (*HOWS, "short")
 SPEED = 60
 
 
@@ -63,7 +65,7 @@ class Trial:
             return is_away or (ledger.is_up_to_date() and ledger.is_kept(self.kills))
 
         try:
-            wait_until(is_done, "all is confirmed", 20)
+            wait_until(is_done, "all is confirmed", 30, pause=0.1)
         except Broken:
             Ledger(home, self.service).check(self.kills)
             raise
@@ -84,15 +86,37 @@ class Trial:
         return told
 
 
+def kind(operation):
+    """The same for the same operation on the same sort of file."""
+    _, name, path = operation.split(maxsplit=2)
+    return name, re.sub(r".*/torture-home-[^/]*|#?\d[^/]*|\.\w{6}$", "", path)
+
+
+def all_cases(operations, chance):
+    """Each (operation, error, network) there is; each kind of operation comes once before the
+    others."""
+    cases = [(at, how, is_away) for at, operation in enumerate(operations, 1)
+             for how in (HOWS_OF_A_WRITE if kind(operation)[0] == "write" else HOWS)
+             for is_away in (False, True)]
+    chance.shuffle(cases)
+    seen = set()
+
+    def is_seen(case):
+        at, *error = case
+        sort = (*kind(operations[at - 1]), *error)
+        return sort in seen or seen.add(sort) is not None
+    return sorted(cases, key=is_seen)
+
+
 def run(build, options):
     with closing(Service(build)) as service:
         service.fail("/api_get_active", "refuse")
         plain = Trial(build, service)
         plain.run()
-        cases = [(at, how, is_away) for at in range(1, len(plain.operations) + 1) for how in HOWS
-                 for is_away in (False, True)]
+        cases = all_cases(plain.operations, random.Random(options.seed))
+        total = len(cases)
         if count := options.count or (16 if options.short else 0):
-            cases = random.Random(options.seed).sample(cases, count)
+            cases = cases[:count]
 
         def broken(case):
             try:
@@ -106,4 +130,6 @@ def run(build, options):
         with ThreadPoolExecutor(options.jobs) as pool:
             count = sum(pool.map(broken, cases))
         expect(not count, f"{count} of {len(cases)} failures broke a promise")
-        return f"{len(cases)} failures at {len(plain.operations)} operations"
+        kinds = {(*kind(plain.operations[at - 1]), how, is_away) for at, how, is_away in cases}
+        return f"{len(cases)} of {total} failures, {len(kinds)} kinds of them, at " \
+               f"{len(plain.operations)} operations"
