@@ -5,7 +5,17 @@
 #include "service/TessaPort.h"
 
 #include <QApplication>
+#include <QScreen>
 #include <QtTest>
+
+inline Task makeTask(const char* id, const char* title, const QDateTime& deadline = {})
+{
+    Task task;
+    task.id = QLatin1String(id);
+    task.title = QString::fromUtf8(title);
+    task.deadline = deadline;
+    return task;
+}
 
 /// A main window that does nothing by itself.
 class QuietMainForm : public AbstractMainForm {
@@ -16,7 +26,7 @@ public:
         resize(392, 73);
     }
     TessaPort* service() const override { return m_service; }
-    QIcon taskIcon(const Task&) const override { return {}; }
+    QIcon taskIcon(const Task&) const override { return QPixmap(1, 1); }
     void updateAttention() override { }
 
 private:
@@ -36,6 +46,22 @@ public:
     }
 };
 
+/// The same, with two teams and a task chosen from the second.
+class TwoTeams : public SignedInService {
+public:
+    TwoTeams()
+    {
+        session()->setTeams({{QStringLiteral("1"), QStringLiteral("Первая")},
+                             {QStringLiteral("2"), QStringLiteral("Вторая")}});
+        session()->setTasks({makeTask("11", "Письмо"), makeTask("12", "Б")}, QStringLiteral("1"));
+        session()->setTasks({makeTask("21", "<h1>Макет</h1>", QDateTime({2020, 4, 26}, {18, 5})),
+                             makeTask("22", "Текст"), unassignedTask()},
+                            QStringLiteral("2"));
+        session()->setTeamID(QStringLiteral("2"));
+        session()->setTaskID(QStringLiteral("22"));
+    }
+};
+
 /// The visible window of this class; null when there is none or more than one.
 template <class Form> Form* visibleForm()
 {
@@ -52,19 +78,16 @@ template <class Form> Form* visibleForm()
     return found;
 }
 
-inline Task makeTask(const char* id, const char* title, const QDateTime& deadline = {})
-{
-    Task task;
-    task.id = QLatin1String(id);
-    task.title = QString::fromUtf8(title);
-    task.deadline = deadline;
-    return task;
-}
-
 /// The text of a label among the form's children.
 inline QString labelText(const QWidget& form, const char* name)
 {
     return form.findChild<QWidget*>(QLatin1String(name))->property("text").toString();
+}
+
+inline QPoint middleOfScreen(const QWidget& window)
+{
+    const QPoint centre = QGuiApplication::primaryScreen()->availableGeometry().center();
+    return {int(centre.x() - 0.5 * window.width()), int(centre.y() - 0.5 * window.height())};
 }
 
 /// Presses a button of the mouse over a widget, and moves on to its window's right.

@@ -6,14 +6,20 @@
 #include "dialogs/LoginForm.h"
 #include "notifications/NotificationManager.h"
 #include "res/Resources.h"
+#include "support/Notices.h"
 #include "support/TestMain.h"
 #include "support/TestServiceUrl.h"
 #include "update/UpdateState.h"
 
 #include <QCalendarWidget>
+#include <QLabel>
+#include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTableView>
+#include <QTextCharFormat>
 #include <QTimeEdit>
+#include <QToolButton>
 
 namespace {
 
@@ -56,6 +62,7 @@ private slots:
         QApplication::setActiveWindow(&form);
         type("", Qt::Key_Return);
         QCOMPARE(labelText(form, "lbInfo"), QStringLiteral("Введите e-mail"));
+        QCOMPARE(QApplication::focusWidget()->objectName(), QStringLiteral("lbEmail"));
         // A blank is not trimmed away.
         type(" ", Qt::Key_Return);
         QCOMPARE(labelText(form, "lbInfo"), QStringLiteral("Введите пароль"));
@@ -65,6 +72,23 @@ private slots:
         QVERIFY(!button(form, "")->isEnabled());
         type("", Qt::Key_Escape);
         QVERIFY(!form.isVisible());
+    }
+
+    void signInGoesToTheService()
+    {
+        SignedInService service;
+        service.session()->setIsOnline(true);
+        LoginForm form(&service);
+        QCOMPARE(form.pos(), middleOfScreen(form));
+        QCOMPARE(labelText(form, "lbEmail"), service.session()->login());
+        QCOMPARE(labelText(form, "lbPassword"), QStringLiteral("demo"));
+        form.findChild<QLineEdit*>(QStringLiteral("lbEmail"))->setText(QStringLiteral("b@c"));
+        QSignalSpy unanswered(&service, &TessaPort::onlineChanged);
+        QTest::ignoreMessage(QtDebugMsg, QRegularExpression(QStringLiteral("b@c.*demo")));
+        button(form, "")->click();
+        QVERIFY(unanswered.wait());
+        emit service.loginOk();
+        QCOMPARE(form.result(), int(QDialog::Accepted));
     }
 
     void signInTellsWhatWentWrong()
@@ -95,6 +119,7 @@ private slots:
         const QPoint before = form.pos();
         drag(form.findChild<QWidget*>(QStringLiteral("wLoginPane")), Qt::LeftButton);
         drag(form.findChild<QWidget*>(QStringLiteral("wTop")), Qt::RightButton);
+        drag(form.findChild<QWidget*>(QStringLiteral("pbClose")), Qt::LeftButton);
         QCOMPARE(form.pos(), before);
         drag(form.findChild<QWidget*>(QStringLiteral("wTop")), Qt::LeftButton);
         QCOMPARE(form.pos(), before + QPoint(40, 0));
@@ -111,7 +136,7 @@ private slots:
             button(form, "Ок")->click();
             QVERIFY(form.isVisible());
         }
-        QVERIFY(NotificationManager::instance()->hasNotifications());
+        QCOMPARE(shownNotices().count(QStringLiteral("0 Введите причину переноса!")), 2);
         QTest::keyClick(&form, Qt::Key_Escape);
         QVERIFY(!form.isVisible());
 
@@ -130,6 +155,35 @@ private slots:
         QCOMPARE(form.result(), int(QDialog::Rejected));
     }
 
+    void calendarIsRussianAndTurnsByItsArrows()
+    {
+        const CalendarForm form;
+        QCOMPARE(form.windowTitle(), QStringLiteral("Запрос на продление задачи"));
+        auto* calendar = form.findChild<QCalendarWidget*>();
+        QCOMPARE(calendar->locale().language(), QLocale::Russian);
+        for (const Qt::DayOfWeek day : {Qt::Saturday, Qt::Sunday})
+            QCOMPARE(calendar->weekdayTextFormat(day).foreground().color(), QColor(249, 156, 0));
+        const auto part = [calendar](const char* name) {
+            return calendar->findChild<QToolButton*>(QLatin1String("qt_calendar_")
+                                                     + QLatin1String(name));
+        };
+        QVERIFY(!part("monthbutton")->isEnabled() && !part("monthbutton")->menu());
+        QVERIFY(!part("yearbutton")->isEnabled());
+        calendar->setCurrentPage(2028, 5);
+        for (const auto& [arrow, picture, month] : {std::tuple("prevmonth", "pbarrow_left", 4),
+                                                    std::tuple("nextmonth", "pbarrow_right", 5)}) {
+            part(arrow)->click();
+            QCOMPARE(calendar->monthShown(), month);
+            const QIcon icon = part(arrow)->icon();
+            QCOMPARE(icon.pixmap(16, QIcon::Normal, QIcon::On).toImage(),
+                     QPixmap(QStringLiteral(":/icons/res/icons/%1.png").arg(QLatin1String(picture)))
+                         .toImage());
+        }
+        const auto days =
+            calendar->findChild<QTableView*>(QStringLiteral("qt_calendar_calendarview"));
+        QCOMPARE(days->palette().color(QPalette::Base), QColor(Qt::transparent));
+    }
+
     void aboutFollowsTheVersionChecks()
     {
         UpdateState::instance()->init(&m_service);
@@ -138,8 +192,13 @@ private slots:
         QCOMPARE(labelText(form, "lbVersion"), QStringLiteral("Версия: 1.1.0"));
         QCOMPARE(labelText(form, "lbUrl").count(QStringLiteral("https://localhost:1")), 2);
         QCOMPARE(labelText(form, "lbUpdateInfo"), QStringLiteral("TPMC is up to date"));
+        QVERIFY(labelText(form, "lbBuildDate").startsWith(QStringLiteral("Дата сборки: ")));
+        QVERIFY(
+            !form.findChild<QLabel*>(QStringLiteral("label"))->pixmap(Qt::ReturnByValue).isNull());
         m_service.session()->setIsOnline(true);
+        QSignalSpy unanswered(&m_service, &TessaPort::onlineChanged);
         form.refresh();
+        QVERIFY(unanswered.wait());
         QCOMPARE(labelText(form, "lbUpdateInfo"), QStringLiteral("Проверка обновления..."));
         emit m_service.updateAvailable(true);
         QCOMPARE(labelText(form, "lbUpdateInfo"), QStringLiteral("Доступно обновление 9.2.0"));

@@ -1,25 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "PanelFixture.h"
 
-#include "dialogs/ElidedComboBox.h"
-#include "dialogs/ElidedLabel.h"
-#include "dialogs/PlainToolTip.h"
-#include "dialogs/ServiceTextBrowser.h"
+#include "dialogs/ScrollText.h"
 #include "dialogs/TaskDescriptionForm.h"
-#include "dialogs/TaskForm.h"
 #include "dialogs/TaskListForm.h"
 #include "res/Resources.h"
 #include "support/TestMain.h"
+#include "support/TestServiceUrl.h"
 
-#include <QBuffer>
 #include <QComboBox>
-#include <QDesktopServices>
 #include <QDesktopWidget>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
-
-#include <functional>
+#include <QTextBrowser>
 
 namespace {
 
@@ -27,12 +21,14 @@ TaskInfo fullInfo()
 {
     TaskInfo info;
     info.id = QStringLiteral("21");
+    info.title = QStringLiteral("<b>Тексты");
     info.deadline = QDateTime({2020, 4, 26}, {18, 0});
     info.text = QStringLiteral("<b>Три</b> текста");
     info.files = {{{}, {}, QStringLiteral("Бриф.docx"), QStringLiteral("49357")},
                   {{}, {}, QStringLiteral("<i>Макет</i>"), QStringLiteral("много")},
                   {{}, {}, QStringLiteral("Съёмка.mov"), QStringLiteral("3221225472")}};
     TextTask first;
+    first.title = QStringLiteral("Первый");
     first.page = QUrl(QStringLiteral("https://a.org/?b=1&copy=2"));
     first.task = QStringLiteral("О нас");
     first.minCount = QStringLiteral("2500");
@@ -62,189 +58,25 @@ QStringList rowTexts(const QListWidget* list)
 
 } // namespace
 
-/// The picker of a task, the list of a team's tasks and the descriptions that it opens.
+/// The list of a team's tasks and the descriptions that it opens.
 class TaskPanelsTest : public QObject {
     Q_OBJECT
 
-public slots:
-    /// Takes the place of the user's browser.
-    void open(const QUrl& url) { m_opened << url; }
-
 private slots:
-    void initTestCase() { initResources(); }
-    void init()
+    void initTestCase()
     {
-        m_service = std::make_unique<SignedInService>();
-        m_mainForm = std::make_unique<QuietMainForm>(m_service.get());
-        session().setTeams({{QStringLiteral("1"), QStringLiteral("Первая")},
-                            {QStringLiteral("2"), QStringLiteral("Вторая")}});
-        session().setTasks({makeTask("11", "Письмо"), makeTask("12", "Б")}, QStringLiteral("1"));
-        session().setTasks({makeTask("21", "<h1>Макет</h1>", QDateTime({2020, 4, 26}, {18, 5})),
-                            makeTask("22", "Текст"), unassignedTask()},
-                           QStringLiteral("2"));
-        session().setTeamID(QStringLiteral("2"));
-        session().setTaskID(QStringLiteral("22"));
-        m_picker = std::make_unique<TaskForm>(m_mainForm.get());
-        m_list = std::make_unique<TaskListForm>(m_service.get(), m_mainForm.get());
-        m_description = std::make_unique<TaskDescriptionForm>(QStringLiteral("21"), m_service.get(),
-                                                              m_list.get());
+        initResources();
+        setTestServiceUrl(QStringLiteral("https://localhost:1"));
     }
-    void cleanup()
+    void init()
     {
         m_description.reset();
         m_list.reset();
-        m_picker.reset();
-        m_mainForm.reset();
-        m_service.reset();
-    }
-
-    void pickerLoadsUntilAnyAnswer()
-    {
-        const std::function<void()> answers[] = {
-            [this] { emit m_service->error(UnknownError); },
-            [this] { emit session().teamsUpdated(); },
-            [this] { emit session().tasksUpdated(QStringLiteral("1")); },
-            [this] { emit session().taskClosed(QStringLiteral("11")); },
-        };
-        session().setIsOnline(true);
-        for (const auto& answer : answers) {
-            m_picker->reload();
-            QCOMPARE(labelText(*m_picker, "lbLoading"), QStringLiteral("Загрузка..."));
-            QVERIFY(!box("cbTeam")->isEnabled() && !box("cbTask")->isEnabled());
-            answer();
-            QCOMPARE(labelText(*m_picker, "lbLoading"), QString());
-            QVERIFY(box("cbTeam")->isEnabled() && box("cbTask")->isEnabled());
-            QCOMPARE(picked(), QStringLiteral("2/22"));
-        }
-    }
-
-    void pickerLeavesOnlyBlockingTasks()
-    {
-        QList<Task> tasks{makeTask("21", "А"), makeTask("22", "Б"), makeTask("23", "В")};
-        const auto shown = [&](const char* firstBlock, const char* lastBlock) {
-            tasks.first().block = QLatin1String(firstBlock);
-            tasks.last().block = QLatin1String(lastBlock);
-            session().setTasks(tasks, QStringLiteral("2"));
-            return box("cbTask")->count();
-        };
-        QCOMPARE(shown("0", ""), 3);
-        QCOMPARE(shown("yes", "1"), 2);
-        QCOMPARE(shown("0", "1"), 1);
-        QCOMPARE(picked(), QStringLiteral("2/23"));
-    }
-
-    void pickerTellsTheDeadlineIfThereIsOne()
-    {
-        session().setTasks(
-            {makeTask("22", "<b>А</b>", QDateTime({2026, 3, 9}, {7, 5})), makeTask("23", "Б")},
-            QStringLiteral("2"));
-        QCOMPARE(box("cbTask")->currentText(),
-                 QStringLiteral("<b>А</b> | Истекает: 2026-03-09 07:05:00"));
-        QVERIFY(box("cbTask")->toolTip().contains(QStringLiteral("&lt;b&gt;")));
-        QCOMPARE(box("cbTask")->itemText(1), QStringLiteral("Б"));
-    }
-
-    void longTextsEndWithinTheirRoom()
-    {
-        ElidedLabel label;
-        ElidedComboBox box;
-        QPixmap icon(16, 16);
-        icon.fill(Qt::transparent);
-        box.addItem(QIcon(icon), QString());
-        const auto edge = [&](QWidget& widget) {
-            QStyleOptionComboBox option;
-            option.initFrom(&widget);
-            const int right = &widget == &box
-                ? box.style()
-                      ->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField,
-                                       &box)
-                      .right()
-                : widget.width() - 1;
-            return widget.grab({right, 4, 1, 10}).toImage();
-        };
-        for (int width = 150; width < 160; ++width) {
-            label.setFixedSize(width, 18);
-            box.setFixedSize(width, 22);
-            label.setText(QString());
-            box.setItemText(0, QString());
-            const QImage blank[] = {edge(label), edge(box)};
-            const QString text(60, QLatin1Char('M'));
-            label.setText(text);
-            box.setItemText(0, text);
-            QCOMPARE(edge(label), blank[0]);
-            QCOMPARE(edge(box), blank[1]);
-            QCOMPARE(label.text() + box.currentText(), text + text);
-        }
-    }
-
-    void pickerRemembersTheTaskThatLeftAndNotTheTeam()
-    {
-        const QList<Task> tasks = session().tasks(QStringLiteral("2"));
-        session().setTasks({tasks.first()}, QStringLiteral("2"));
-        QCOMPARE(picked(), QStringLiteral("2/21"));
-        session().setTasks(tasks, QStringLiteral("2"));
-        QCOMPARE(picked(), QStringLiteral("2/22"));
-
-        const QList<Team> teams = session().teams();
-        session().setTeams({teams.first()});
-        QCOMPARE(picked(), QStringLiteral("1/11"));
-        session().setTeams(teams);
-        QCOMPARE(picked(), QStringLiteral("1/11"));
-        session().setTeams({});
-        QCOMPARE(picked(), QStringLiteral("/"));
-    }
-
-    void deadlineIsReadBehindALongTitle()
-    {
-        ElidedLabel label;
-        label.setFixedSize(200, 18);
-        const auto picture = [&](const char* end) {
-            label.setText(QString(60, QLatin1Char('M')) + QLatin1String(end));
-            return label.grab().toImage();
-        };
-        QCOMPARE(picture(" | 18:05"), picture(" | 18:06"));
-        label.setKeptEnd(8);
-        QVERIFY(picture(" | 18:05") != picture(" | 18:06"));
-        // As the rows have it.
-        session().setTasks({makeTask("21", "Очень длинное название задачи, которому нет места",
-                                     QDateTime({2020, 4, 26}, {18, 5}))},
-                           QStringLiteral("2"));
-        m_list->bringUpToDate();
-        const QImage early = row(0)->grab().toImage();
-        session().setTasks({makeTask("21", "Очень длинное название задачи, которому нет места",
-                                     QDateTime({2020, 4, 26}, {18, 6}))},
-                           QStringLiteral("2"));
-        m_list->bringUpToDate();
-        QVERIFY(row(0)->grab().toImage() != early);
-    }
-
-    void pickCountsWhenItIsConfirmed()
-    {
-        QSignalSpy finished(m_picker.get(), &QDialog::finished);
-        const auto buttons = m_picker->findChildren<QPushButton*>(QStringLiteral("pbTessaport"));
-        box("cbTeam")->setCurrentIndex(0);
-        box("cbTask")->setCurrentIndex(1);
-        emit session().teamsUpdated();
-        QCOMPARE(picked(), QStringLiteral("1/12"));
-        m_picker->show();
-        buttons.last()->click();
-        QVERIFY(!m_picker->isVisible());
-        QVERIFY(finished.isEmpty());
-        m_picker->reload();
-        QCOMPARE(picked(), QStringLiteral("2/22"));
-        m_picker->show();
-        buttons.first()->click();
-        QCOMPARE(finished.value(0).value(0).toInt(), int(QDialog::Accepted));
-    }
-
-    void pickerFollowsItsPanel()
-    {
-        const QPoint before = m_picker->pos();
-        drag(m_picker->findChild<QPushButton*>(), Qt::LeftButton);
-        drag(m_picker.get(), Qt::RightButton);
-        QCOMPARE(m_picker->pos(), before);
-        drag(m_picker.get(), Qt::LeftButton);
-        QCOMPARE(m_picker->pos(), before + QPoint(40, 0));
+        m_service = std::make_unique<TwoTeams>();
+        m_mainForm = std::make_unique<QuietMainForm>(m_service.get());
+        m_list = std::make_unique<TaskListForm>(m_service.get(), m_mainForm.get());
+        m_description = std::make_unique<TaskDescriptionForm>(QStringLiteral("21"), m_service.get(),
+                                                              m_list.get());
     }
 
     void listsTheTasksOfTheChosenTeam()
@@ -254,7 +86,11 @@ private slots:
                               QStringLiteral("Текст | Истекает: ")}));
         QVERIFY(row(0)->findChild<QLabel*>()->toolTip().contains(QStringLiteral("&lt;h1&gt;")));
         const QRect area = QApplication::desktop()->availableGeometry(m_list.get());
-        QCOMPARE(m_list->pos(), QPoint(area.right() - 394, area.bottom() - (565 + 73)));
+        const QPoint place(area.right() - 394, area.bottom() - (565 + 73));
+        drag(m_list.get(), Qt::LeftButton);
+        drag(m_description.get(), Qt::LeftButton);
+        QCOMPARE(m_list->pos(), place);
+        QCOMPARE(m_description->pos(), place - QPoint(361, 0));
 
         // It is built when the team changes and not before.
         session().setTasks({}, QStringLiteral("2"));
@@ -263,9 +99,27 @@ private slots:
         emit m_service->teamChanged(QStringLiteral("1"));
         QCOMPARE(rowTexts(list()).value(0), QStringLiteral("Письмо | Истекает: "));
         QCOMPARE(m_list->windowTitle(), QStringLiteral("Задачи команды \"Первая\""));
+        const auto box = m_list->findChild<QComboBox*>();
+        QCOMPARE(box->currentText() + box->itemText(1), QStringLiteral("ПерваяВторая"));
+        session().setTeams({{QStringLiteral("1"), QStringLiteral("<i>Она")}});
+        QCOMPARE(box->currentText(), QStringLiteral("<i>Она"));
+        QCOMPARE(box->toolTip(), box->itemData(0, Qt::ToolTipRole).toString());
+        QVERIFY(box->toolTip().contains(QLatin1String("&lt;")));
         emit m_service->teamChanged(QStringLiteral("3"));
         QCOMPARE(list()->count(), 0);
         QCOMPARE(m_list->windowTitle(), QStringLiteral("Задачи команды \"\""));
+    }
+
+    void deadlineIsReadBehindALongTitle()
+    {
+        const auto shown = [this](int minute) {
+            session().setTasks({makeTask("21", "Очень длинное название задачи, которому нет места",
+                                         QDateTime({2020, 4, 26}, {18, minute}))},
+                               QStringLiteral("2"));
+            m_list->bringUpToDate();
+            return row(0)->grab().toImage();
+        };
+        QVERIFY(shown(5) != shown(6));
     }
 
     void rowButtonTogglesTheDescription()
@@ -284,6 +138,10 @@ private slots:
         emit m_service->teamChanged(QStringLiteral("2"));
         clickRow(0);
         QCOMPARE(visibleForm<TaskDescriptionForm>(), first.data());
+        clickRow(0);
+        session().setTaskInfo(QStringLiteral("21"), fullInfo());
+        clickRow(0);
+        QCOMPARE(labelText(*first, "lbAttachmentsNumber"), QStringLiteral("3"));
         emit m_mainForm->hideAll();
         emit m_mainForm->hideAll();
         QVERIFY(!m_list->isVisible() && !first->isVisible());
@@ -291,6 +149,8 @@ private slots:
         QVERIFY(m_list->isVisible() && first->isVisible());
         // What was hidden by itself stays so.
         m_list->on_pbHide_clicked();
+        emit m_mainForm->showAll();
+        emit m_mainForm->hideAll();
         emit m_mainForm->showAll();
         QVERIFY(!m_list->isVisible() && !first->isVisible());
         m_list.reset();
@@ -302,6 +162,9 @@ private slots:
         QCOMPARE(text("lbTaskDeadline"), QStringLiteral("..."));
         emit m_service->taskInfoUpdated(fullInfo());
         emit m_service->taskInfoUpdated(TaskInfo());
+        const auto title = child<ScrollText>("");
+        QCOMPARE(title->text(), QStringLiteral("<b>Тексты"));
+        QVERIFY(title->toolTip().contains(QLatin1String("&lt;b&gt;")));
         QCOMPARE(text("lbTaskDeadline"), QStringLiteral("Истекает: 2020-04-26 18:00:00"));
         QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("3"));
         QCOMPARE(rowTexts(child<QListWidget>("listAttachments")),
@@ -327,11 +190,15 @@ private slots:
         // What is cached is for when the service can't be asked.
         session().setTaskInfo(bare.id, fullInfo());
         session().setIsOnline(true);
+        QSignalSpy unanswered(m_service.get(), &TessaPort::onlineChanged);
         m_description->requestUpdateTask(bare.id);
+        QVERIFY(unanswered.wait());
         QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("0"));
         session().setIsOnline(false);
         m_description->requestUpdateTask(bare.id);
         QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("3"));
+        const TaskDescriptionForm another(bare.id, m_service.get(), m_list.get());
+        QCOMPARE(labelText(another, "lbAttachmentsNumber"), QStringLiteral("3"));
     }
 
     void namesEachResponsibleOnce()
@@ -386,6 +253,7 @@ private slots:
         m_description->updateTask(fullInfo());
         QCOMPARE(showsTexts(), QVariant(true));
         QCOMPARE(child<QComboBox>("cbTexts")->count(), 3);
+        QCOMPARE(child<QComboBox>("cbTexts")->currentText(), QStringLiteral("Первый"));
         QVERIFY(text("lbUrl").contains(QStringLiteral("https://a.org")));
         child<QPushButton>("pbMainInfo")->click();
         QCOMPARE(showsTexts(), QVariant(false));
@@ -396,88 +264,10 @@ private slots:
         m_description->updateTask(withoutTexts);
         QCOMPARE(showsTexts(), QVariant(false));
         QVERIFY(!textsButton->isEnabled());
-    }
-
-    void textReachesNothingBeyondItself()
-    {
-        QTemporaryDir directory;
-        const QString file = directory.filePath(QStringLiteral("picture.png"));
-        QImage picture(400, 300, QImage::Format_RGB32);
-        picture.fill(Qt::red);
-        QVERIFY(picture.save(file));
-        ServiceTextBrowser text;
-        text.resize(500, 400);
-        for (const QString& source : {file, QUrl::fromLocalFile(file).toString()}) {
-            text.setText(QStringLiteral("<p><img src=\"%1\"></p>").arg(source));
-            QVERIFY(text.grab().toImage().pixelColor(200, 150) != Qt::red);
-        }
-
-        const QString sheet = directory.filePath(QStringLiteral("sheet.css"));
-        QFile sheetFile(sheet);
-        QVERIFY(sheetFile.open(QIODevice::WriteOnly));
-        sheetFile.write("p { color: #123456 }");
-        sheetFile.close();
-        for (const QString& source : {sheet, QUrl::fromLocalFile(sheet).toString()}) {
-            text.setText(QStringLiteral("<style>@import url(%1);</style><p>a</p>").arg(source));
-            QVERIFY(!text.toHtml().contains(QLatin1String("#123456")));
-        }
-
-        // What is in the text stays, however long, unless it would fill the memory.
-        for (const bool isHuge : {false, true}) {
-            QImage inner(isHuge ? QSize(8000, 8000) : QSize(300, 300),
-                         isHuge ? QImage::Format_Mono : QImage::Format_RGB32);
-            inner.fill(isHuge ? 1 : QColor(Qt::red).rgb());
-            QBuffer buffer;
-            QVERIFY(inner.save(&buffer, isHuge ? "PNG" : "BMP"));
-            text.setText(QStringLiteral(
-                             "<img width=400 height=300 src=\"data:image/png;base64,%1\"><b>b</b>")
-                             .arg(QString::fromLatin1(buffer.data().toBase64())));
-            QCOMPARE(text.grab().toImage().pixelColor(200, 150) == Qt::red, !isHuge);
-            QVERIFY(text.toPlainText().endsWith(QLatin1Char('b')));
-        }
-
-        for (const char* scheme : {"https", "file", "ftp"})
-            QDesktopServices::setUrlHandler(QLatin1String(scheme), this, "open");
-        for (const char* link : {"https://example.org/a", "file:///etc/passwd", "ftp://x/y", "#a"})
-            emit text.anchorClicked(QUrl(QLatin1String(link)));
-        QCOMPARE(m_opened, QList<QUrl>({QUrl(QStringLiteral("https://example.org/a"))}));
-    }
-
-    void textsAreBounded()
-    {
-        ServiceTextBrowser text;
-        text.setText(QStringLiteral("слово ").repeated(1000000));
-        QVERIFY(text.toPlainText().size() < 200000);
-        // Each of these would take minutes, or for ever, to be arranged.
-        for (const char* costly :
-             {"<table><tr><td>", "<ul><li>", "<img style='float:left'>", "<p>"}) {
-            const QString source = QString::fromLatin1(costly).repeated(4000);
-            text.setText(source);
-            QCOMPARE(text.toPlainText(), source);
-        }
-        for (const char* absurd : {"<table cellpadding=100000000><tr><td>a</table>",
-                                   "<p style='font-size: 300000pt'>a</p>"}) {
-            text.setText(QLatin1String(absurd));
-            QCOMPARE(text.toPlainText(), QLatin1String(absurd));
-        }
-    }
-
-    void longToolTipsWrap()
-    {
-        const QString smile = QString::fromUtf8("\xF0\x9F\x98\x80");
-        for (const QString& whole :
-             {QStringLiteral("слово ").repeated(500), QStringLiteral("безпробелов").repeated(500),
-              QStringLiteral("а") + smile.repeated(1000)}) {
-            QTextDocument document;
-            document.setHtml(plainToolTip(whole));
-            document.setTextWidth(400);
-            QVERIFY(document.idealWidth() <= 400);
-            QString shown = document.toPlainText();
-            shown.remove(QChar(0x200B)).chop(1);
-            QVERIFY(shown.size() > 900 && whole.startsWith(shown));
-            QVERIFY(!shown.at(shown.size() - 1).isHighSurrogate());
-        }
-        QCOMPARE(plainToolTip(QStringLiteral("Одна строка")), QStringLiteral("Одна строка"));
+        m_description->updateTask(fullInfo());
+        QVERIFY(textsButton->isEnabled());
+        child<QPushButton>("pbHide")->click();
+        QVERIFY(!m_description->isVisible());
     }
 
     void openedListIsUpToDate()
@@ -533,6 +323,10 @@ private slots:
         QCOMPARE(shown(), QList<bool>({false, false, false, true}));
         clickRow(199);
         QVERIFY(visibleForm<TaskDescriptionForm>());
+        // Also by the keyboard.
+        QApplication::setActiveWindow(m_list.get());
+        row(180)->findChild<QPushButton*>()->setFocus();
+        QVERIFY(list()->viewport()->rect().contains(row(180)->geometry()));
     }
 
     void escapeClosesTheListWithItsDescription()
@@ -546,14 +340,6 @@ private slots:
 
 private:
     Session& session() { return *m_service->session(); }
-    QComboBox* box(const char* name)
-    {
-        return m_picker->findChild<QComboBox*>(QLatin1String(name));
-    }
-    QString picked()
-    {
-        return m_picker->selectedTeamId() + QLatin1Char('/') + m_picker->selectedTaskId();
-    }
     QListWidget* list() const { return m_list->findChild<QListWidget*>(); }
     QWidget* row(int index) const { return list()->itemWidget(list()->item(index)); }
     void clickRow(int index) const { row(index)->findChild<QPushButton*>()->click(); }
@@ -564,12 +350,10 @@ private:
     }
     QString text(const char* name) const { return labelText(*m_description, name); }
 
-    std::unique_ptr<SignedInService> m_service;
+    std::unique_ptr<TwoTeams> m_service;
     std::unique_ptr<QuietMainForm> m_mainForm;
-    std::unique_ptr<TaskForm> m_picker;
     std::unique_ptr<TaskListForm> m_list;
     std::unique_ptr<TaskDescriptionForm> m_description;
-    QList<QUrl> m_opened;
 };
 
 TESSAPORT_TEST_MAIN(TaskPanelsTest, QApplication)
