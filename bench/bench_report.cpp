@@ -15,7 +15,7 @@ namespace {
 /// From a waiting report to the form data that is posted; the floor copies the picture's bytes
 /// three times. The argument is their number in KiB. Counts the most memory that is held meanwhile
 /// in sizes of the picture's file.
-void bodyOfPicture(benchmark::State& state)
+void reportBody(benchmark::State& state)
 {
     const QTemporaryDir directory;
     // What is compressed looks like chance.
@@ -45,7 +45,7 @@ void bodyOfPicture(benchmark::State& state)
     });
     state.counters["files"] = files;
 }
-BENCHMARK(bodyOfPicture)->Arg(256)->Arg(1024)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(reportBody)->Arg(256)->Arg(1024)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
 } // namespace
 

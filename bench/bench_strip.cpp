@@ -94,7 +94,7 @@ void secondOfClock(benchmark::State& state)
 BENCHMARK(secondOfClock)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
 /// A step of the title of a task that does not fit; the floor repaints the same text in its place.
-void stepOfTitle(benchmark::State& state)
+void scrollingTitle(benchmark::State& state)
 {
     BareStrip bareStrip;
     StillText stillTitle(title, &bareStrip);
@@ -113,7 +113,7 @@ void stepOfTitle(benchmark::State& state)
         QCoreApplication::processEvents();
     });
 }
-BENCHMARK(stepOfTitle)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(scrollingTitle)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
 } // namespace
 
