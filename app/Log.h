@@ -5,8 +5,9 @@
 #include <QTextStream>
 
 /// The log: every message of the program becomes a line of a plain text file, for people who read
-/// it afterwards, and a line on standard output. Who deletes the file closes it; else it stays open
-/// to the end of the process.
+/// it afterwards, a line on standard output, and one of the handler that was there before, which
+/// writes to standard error. Who deletes the file closes it; else it stays open to the end of the
+/// process.
 extern QFile logFile;
 extern QTextStream logStream;
 extern QtMessageHandler previousMessageHandler;
@@ -15,7 +16,7 @@ extern QtMessageHandler previousMessageHandler;
 constexpr qint64 largestLog = 104857600; // 100 MiB
 
 /// Names and opens the file, for appending; a larger one than largestLog goes first. Only its user
-/// can read it. When it can't be opened the lines go to standard output alone.
+/// can read it. When it can't be opened the lines go where else they go.
 void openLog(const QString& path);
 
 /// The handler to be installed. Messages of level info are dropped.

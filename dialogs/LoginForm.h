@@ -14,8 +14,8 @@ class LoginForm;
 }
 
 /// The sign-in dialog. It stays open, with what was typed, until the service accepts the
-/// credentials, which ends it with QDialog::Accepted, or the user closes it. Whatever goes wrong
-/// is told in one line of the dialog. It can be dragged by the strip at its top.
+/// credentials, which ends it with QDialog::Accepted, or the user closes it. A refusal is told in
+/// one line of the dialog, an exchange that failed is not. It can be dragged by its top.
 class LoginForm : public QDialog {
     Q_OBJECT
 

@@ -122,7 +122,7 @@ private:
     bool m_hasActivity = false; ///< input was seen in the slot under way
     int m_sampleCount = 0; ///< slots finished in the minute under way
     int m_activeSamples = 0; ///< of those, slots with input
-    QDateTime m_lastReportTime;
+    QDateTime m_lastReportTime; ///< nothing reads it
     bool m_screenshotPending = true; ///< the next report takes a picture
     TessaPort* const m_tessaPort;
 

@@ -161,7 +161,7 @@ private:
     QTime m_displayWorktime{0, 0};
     QTime m_todayActivetime{0, 0};
     QTime m_displayActivetime{0, 0};
-    QDateTime m_resetTime;
+    QDateTime m_resetTime; ///< of the last reset(); nothing reads it
     std::unique_ptr<IniFile> m_configSettings;
     std::unique_ptr<IniFile> m_sessionSettings;
     std::unique_ptr<IniFile> m_teamsSettings;

@@ -2,13 +2,12 @@
 #include "platform/WindowSystem.h"
 
 #include "XcbPointer.h"
+#include "XcbProperty.h"
 
-#include <QByteArray>
 #include <QVector>
 #include <QX11Info>
 
 #include <xcb/shape.h>
-#include <xcb/xcb.h>
 
 #include <cstring>
 
@@ -16,32 +15,11 @@ namespace platform {
 
 namespace {
 
-xcb_atom_t atom(const QByteArray& name)
-{
-    xcb_connection_t* const connection = QX11Info::connection();
-    const XcbPointer<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-        connection, xcb_intern_atom(connection, 1, quint16(name.size()), name.constData()),
-        nullptr));
-    return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
-}
-
-/// The raw content of a window's property; empty when it has none of that type.
-QByteArray property(WId window, xcb_atom_t name, xcb_atom_t type)
-{
-    constexpr quint32 longest = 64 * 1024;
-    xcb_connection_t* const connection = QX11Info::connection();
-    const XcbPointer<xcb_get_property_reply_t> reply(xcb_get_property_reply(
-        connection, xcb_get_property(connection, 0, xcb_window_t(window), name, type, 0, longest),
-        nullptr));
-    if (!reply)
-        return {};
-    return QByteArray(static_cast<const char*>(xcb_get_property_value(reply.get())),
-                      xcb_get_property_value_length(reply.get()));
-}
-
 QVector<quint32> numbers(WId window, const QByteArray& name, xcb_atom_t type)
 {
-    const QByteArray content = property(window, atom(name), type);
+    xcb_connection_t* const connection = QX11Info::connection();
+    const QByteArray content =
+        xcbProperty(connection, xcb_window_t(window), xcbAtom(connection, name), type);
     QVector<quint32> values(content.size() / int(sizeof(quint32)));
     std::memcpy(values.data(), content.constData(), size_t(values.size()) * sizeof(quint32));
     return values;
@@ -72,13 +50,16 @@ WId activeDesktopWindow()
 
 QString desktopWindowTitle(WId window)
 {
-    if (!QX11Info::connection())
+    xcb_connection_t* const connection = QX11Info::connection();
+    if (!connection)
         return {};
-    const QByteArray title = property(window, atom(QByteArrayLiteral("_NET_WM_NAME")),
-                                      atom(QByteArrayLiteral("UTF8_STRING")));
+    const auto id = xcb_window_t(window);
+    const QByteArray title =
+        xcbProperty(connection, id, xcbAtom(connection, QByteArrayLiteral("_NET_WM_NAME")),
+                    xcbAtom(connection, QByteArrayLiteral("UTF8_STRING")));
     if (!title.isEmpty())
         return QString::fromUtf8(title);
-    return QString::fromLatin1(property(window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING));
+    return QString::fromLatin1(xcbProperty(connection, id, XCB_ATOM_WM_NAME, XCB_ATOM_STRING));
 }
 
 QRect desktopWindowGeometry(WId window)
