@@ -1,7 +1,50 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/ElidedComboBox.h"
 
+#include <QItemDelegate>
 #include <QStylePainter>
+
+#include <algorithm>
+
+namespace {
+
+/// A line break would leave the halves of two lines in a row.
+QString inOneLine(QString text)
+{
+    for (QChar& character : text) {
+        if (character.isSpace())
+            character = QLatin1Char(' ');
+    }
+    return text;
+}
+
+/// Draws as the box would by itself.
+class RowDelegate : public QItemDelegate {
+public:
+    using QItemDelegate::QItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        QSize size = QItemDelegate::sizeHint(option, index);
+        size.setHeight(std::max(option.fontMetrics.height(), option.decorationSize.height()));
+        return size;
+    }
+
+protected:
+    void drawDisplay(QPainter* painter, const QStyleOptionViewItem& option, const QRect& rect,
+                     const QString& text) const override
+    {
+        QItemDelegate::drawDisplay(painter, option, rect, inOneLine(text));
+    }
+};
+
+} // namespace
+
+ElidedComboBox::ElidedComboBox(QWidget* parent)
+    : QComboBox(parent)
+{
+    setItemDelegate(new RowDelegate(this));
+}
 
 void ElidedComboBox::paintEvent(QPaintEvent*)
 {
@@ -19,6 +62,7 @@ void ElidedComboBox::paintEvent(QPaintEvent*)
             .width();
     if (!option.currentIcon.isNull())
         room -= option.iconSize.width() + iconGap;
-    option.currentText = option.fontMetrics.elidedText(option.currentText, Qt::ElideMiddle, room);
+    option.currentText =
+        option.fontMetrics.elidedText(inOneLine(option.currentText), Qt::ElideMiddle, room);
     painter.drawControl(QStyle::CE_ComboBoxLabel, option);
 }

@@ -3,11 +3,11 @@
 
 #include <QComboBox>
 
-/// A box whose current text is shortened in the middle, as in its list, where it is too long.
-/// currentText() stays the whole text.
+/// A box whose current text is shortened in the middle, as in its list, where it is too long, and
+/// stands in one line, here and there. currentText() stays the whole text.
 class ElidedComboBox : public QComboBox {
 public:
-    using QComboBox::QComboBox;
+    explicit ElidedComboBox(QWidget* parent = nullptr);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -5,6 +5,7 @@
 #include "dialogs/ServiceTextBrowser.h"
 #include "support/TestMain.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QBuffer>
 #include <QDesktopServices>
@@ -19,6 +20,19 @@ public slots:
     void open(const QUrl& url) { m_opened << url; }
 
 private slots:
+    void textsInABoxStandInOneLine()
+    {
+        const auto pictures = [](const QString& text) {
+            ElidedComboBox box;
+            box.setStyleSheet(QStringLiteral("combobox-popup: 0;"));
+            box.addItem(text);
+            box.resize(200, 22);
+            box.showPopup();
+            return QVector<QImage>{box.grab().toImage(), box.view()->grab().toImage()};
+        };
+        QCOMPARE(pictures(QStringLiteral("А\r\nБ")), pictures(QStringLiteral("А  Б")));
+    }
+
     void longTextsEndWithinTheirRoom()
     {
         ElidedLabel label;
