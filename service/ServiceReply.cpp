@@ -144,14 +144,19 @@ ResultCode resultCode(QNetworkReply::NetworkError error)
 QList<TeamWithTasks> teamsAndTasks(const QByteArray& body)
 {
     QList<TeamWithTasks> result;
-    for (const QVariant& element : JsonCodec::parseUtf8(body).toList()) {
-        const QVariantMap map = element.toMap();
+    QVariantList elements = JsonCodec::parseUtf8(body).toList();
+    while (!elements.isEmpty()) {
+        QVariantMap map = elements.takeFirst().toMap();
         TeamWithTasks entry;
         entry.team = {text(map, "id"), text(map, "name")};
         if (entry.team.id.isEmpty())
             continue;
-        for (const QVariant& taskElement : list(map, "tasks"))
+        // Of thousands of tasks, each is let go of as soon as it is read.
+        QVariantList tasks = map.take(QStringLiteral("tasks")).toList();
+        for (QVariant& taskElement : tasks) {
             entry.tasks.append(task(taskElement.toMap()));
+            taskElement.clear();
+        }
         entry.tasks.append(unassignedTask());
         result.append(entry);
     }
