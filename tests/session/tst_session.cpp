@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "notifications/NotificationForm.h"
 #include "notifications/NotificationManager.h"
 #include "session/Session.h"
 #include "session/TaskChanges.h"
 #include "session/TaskLists.h"
+#include "support/Notices.h"
 #include "support/TestMain.h"
 
-#include <QApplication>
-#include <QDesktopServices>
 #include <QSettings>
 #include <QSignalSpy>
-#include <QUrl>
 
 #include <memory>
 
@@ -80,15 +77,7 @@ QString textOf(const TaskChange& change)
 class SessionTest : public QObject {
     Q_OBJECT
 
-public slots:
-    void openPage(const QUrl& page) { m_openedPage = page.toString(); }
-
 private slots:
-    void initTestCase()
-    {
-        QDesktopServices::setUrlHandler(QStringLiteral("https"), this, "openPage");
-    }
-
     void init()
     {
         m_owner.reset();
@@ -299,15 +288,17 @@ private slots:
         QVERIFY(takeNotices().isEmpty());
     }
 
-    void deadlineOfTheTask()
+    void chosenTask()
     {
+        QSignalSpy taskChanged(m_session, &Session::taskChanged);
         QCOMPARE(m_session->taskDeadline(), task("1").deadline);
         QVERIFY(m_session->overdueSeconds() > 0);
         // Work on no task in particular is due now.
-        m_session->setTaskID(unassignedTaskId);
-        const QDateTime deadline = m_session->taskDeadline();
-        QVERIFY(deadline.isValid());
-        QVERIFY(std::abs(deadline.secsTo(QDateTime::currentDateTime())) < 60);
+        for (int i = 0; i < 2; ++i)
+            m_session->setTaskID(unassignedTaskId);
+        QCOMPARE(taskChanged, QList<QVariantList>{{QStringLiteral("0")}});
+        QVERIFY(m_session->taskDeadline().isValid());
+        QVERIFY(std::abs(m_session->overdueSeconds()) < 60);
     }
 
     void minutes()
@@ -318,22 +309,17 @@ private slots:
         for (int i = 0; i < 61; ++i)
             m_session->tick();
         m_session->addWorkMinute();
-        QCOMPARE(m_session->displayWorktime(), QTime(23, 59, 1));
+        QCOMPARE(times(), QStringLiteral("23:59:01 00:01:01 23:59:00 00:00:00"));
         m_session->addWorkMinute();
         m_session->addActiveMinute();
-
         // The minute of work is on disk at once, and the active one with the next save.
-        const auto stored = [this](const char* key) {
-            const QString file = m_owner->dataDir().filePath(QStringLiteral("anna/session.ini"));
-            return QSettings(file, QSettings::IniFormat).value(QLatin1String(key)).toString();
-        };
         QCOMPARE(stored("todayWorktime"), QStringLiteral("00:00:00"));
         QCOMPARE(stored("todayActivetime"), QStringLiteral("23:59:00"));
         m_session->addActiveMinute();
         m_session->addWorkMinute();
         QCOMPARE(stored("todayActivetime"), QStringLiteral("00:01:00"));
         // The day's total under the task.
-        QCOMPARE(m_session->todayActiveTime(taskId), QTime(0, 1));
+        QCOMPARE(times(), QStringLiteral("23:59:01 00:01:01 00:01:00 00:01:00"));
     }
 
     void onlyALaterDateBeginsTheDay()
@@ -342,22 +328,21 @@ private slots:
         // The last one stands for a clock that was put back.
         for (const QDate& date : {QDate(), today.addDays(-1), today.addDays(1)}) {
             const bool begins = date != today.addDays(1);
-            const QTime counted = begins ? QTime(0, 0) : QTime(3, 0);
             m_session->setTodayActivetime(QTime(3, 0));
             m_session->setTodayWorktime(QTime(3, 0));
             m_session->setTaskActiveTime(taskId, QTime(3, 0));
-            m_session->setWorktimeDate(date);
             m_session->syncDisplayActivetime();
+            m_session->setWorktimeDate(date);
             QSignalSpy timeUpdated(m_session, &Session::timeUpdated);
             m_session->tick();
-            QCOMPARE(timeUpdated.size(), 1);
             QCOMPARE(m_session->worktimeDate(), begins ? today : date);
-            QCOMPARE(m_session->displayWorktime(), begins ? counted : counted.addSecs(1));
-            QCOMPARE(m_session->displayActivetime(), begins ? counted : counted.addSecs(1));
-            QCOMPARE(m_session->todayActivetime(), counted);
-            QCOMPARE(m_session->todayActiveTime(taskId), counted);
+            QCOMPARE(times(),
+                     begins ? QStringLiteral("00:00:00 00:00:00 00:00:00 00:00:00")
+                            : QStringLiteral("03:00:01 03:00:01 03:00:00 03:00:00"));
             m_session->syncDisplayWorktime();
-            QCOMPARE(m_session->displayWorktime(), counted);
+            m_session->syncDisplayActivetime();
+            QCOMPARE(m_session->displayWorktime(), m_session->todayActivetime());
+            QCOMPARE(timeUpdated.size(), 3);
             QVERIFY(!m_session->beginDay());
         }
     }
@@ -381,40 +366,45 @@ private slots:
 
     void timesFromTheService()
     {
+        QSignalSpy timeUpdated(m_session, &Session::timeUpdated);
         m_session->setTodayWorktime(QTime(2, 30));
         // It is the minutes that are compared, and the shown work time that is pulled.
         m_session->setTodayActivetime(QTime(1, 30));
-        QCOMPARE(m_session->displayWorktime(), QTime(2, 30));
+        QCOMPARE(times(), QStringLiteral("02:30:00 00:00:00 01:30:00 00:00:00"));
+        QCOMPARE(timeUpdated.size(), 0);
         m_session->setTodayActivetime(QTime(1, 31));
-        QCOMPARE(m_session->displayWorktime(), QTime(1, 31));
+        QCOMPARE(times(), QStringLiteral("01:31:00 00:00:00 01:31:00 00:00:00"));
+        QCOMPARE(timeUpdated.size(), 1);
     }
 
 private:
-    /// The notices on screen, from below: type, text and the task that a click leads to; they are
-    /// closed.
-    QStringList takeNotices()
+    /// The notices on screen, which are closed.
+    static QStringList takeNotices()
     {
-        QMap<int, QString> notices;
-        const QWidgetList widgets = QApplication::topLevelWidgets();
-        for (QWidget* widget : widgets) {
-            auto* const form = qobject_cast<NotificationForm*>(widget);
-            if (!form)
-                continue;
-            m_openedPage.clear();
-            QTest::mousePress(form, Qt::LeftButton, {}, {1, 1});
-            notices.insert(
-                form->slot(),
-                QStringLiteral("%1 %2").arg(form->type()).arg(form->accessibleName())
-                    + m_openedPage.replace(QStringLiteral("https://localhost:1/task?id="),
-                                           QStringLiteral(" -> ")));
-        }
+        const QStringList notices = shownNotices();
         NotificationManager::instance()->closeAll();
-        return notices.values();
+        return notices;
+    }
+
+    /// Work and active time shown, active time counted, and that of the task.
+    QString times() const
+    {
+        QStringList texts;
+        for (const QTime& time : {m_session->displayWorktime(), m_session->displayActivetime(),
+                                  m_session->todayActivetime(), m_session->todayActiveTime(taskId)})
+            texts.append(time.toString());
+        return texts.join(QLatin1Char(' '));
+    }
+
+    /// A value in the user's file.
+    QString stored(const char* key) const
+    {
+        const QString file = m_owner->dataDir().filePath(QStringLiteral("anna/session.ini"));
+        return QSettings(file, QSettings::IniFormat).value(QLatin1String(key)).toString();
     }
 
     std::unique_ptr<SessionOwner> m_owner;
     Session* m_session = nullptr;
-    QString m_openedPage;
 };
 
 TESSAPORT_TEST_MAIN(SessionTest, QApplication)

@@ -7,7 +7,8 @@
 
 #include <algorithm>
 
-/// The notices on screen, each as its type, a blank and its text, from the lowest up.
+/// The notices on screen, from the lowest up: each as its type, a blank and its text, and behind an
+/// arrow the id of the task that a click leads to, if there is one.
 inline QStringList shownNotices()
 {
     QList<const NotificationForm*> forms;
@@ -20,7 +21,10 @@ inline QStringList shownNotices()
     std::sort(forms.begin(), forms.end(),
               [](const auto* one, const auto* other) { return one->y() > other->y(); });
     QStringList texts;
-    for (const NotificationForm* form : qAsConst(forms))
-        texts.append(QStringLiteral("%1 %2").arg(form->type()).arg(form->accessibleName()));
+    for (const NotificationForm* form : qAsConst(forms)) {
+        const QString taskId = form->notice().taskId;
+        texts.append(QStringLiteral("%1 %2").arg(form->type()).arg(form->accessibleName())
+                     + (taskId.isEmpty() ? QString() : QStringLiteral(" -> ") + taskId));
+    }
     return texts;
 }
