@@ -67,13 +67,20 @@ private slots:
     {
         openLog(m_directory.filePath(QStringLiteral("log.log")));
         logMessageHandler(QtDebugMsg, m_context, QStringLiteral("Monitor started"));
+        static QString previous;
+        previousMessageHandler = [](QtMsgType, const QMessageLogContext&, const QString& message) {
+            previous += message;
+        };
         logMessageHandler(QtInfoMsg, m_context, QStringLiteral("nowhere"));
         logMessageHandler(QtWarningMsg, m_context, QStringLiteral("two\nlines"));
+        previousMessageHandler = nullptr;
+        QCOMPARE(previous, QStringLiteral("two\nlines"));
         const QString text = QString::fromLocal8Bit(content());
         const QRegularExpression form(
             QStringLiteral(R"(^Message\(0\) at (\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ): )"
                            R"(Monitor started\nMessage\(1\) at \S+Z: two\nlines\n$)"));
         const QDateTime written = QDateTime::fromString(form.match(text).captured(1), Qt::ISODate);
+        QVERIFY2(form.match(text).hasMatch(), qPrintable(text));
         QVERIFY2(qAbs(written.secsTo(QDateTime::currentDateTimeUtc())) < 60, qPrintable(text));
         QVERIFY(!(logFile.permissions() & QFile::ReadOther)
                 || QSysInfo::kernelType() == QLatin1String("winnt"));
@@ -99,6 +106,8 @@ private slots:
         // That is when a theme gives its font.
         QCoreApplication::processEvents();
         QCOMPARE(QFontInfo(QLineEdit().font()).family(), QStringLiteral("PT Sans"));
+        QCOMPARE(QApplication::palette().color(QPalette::Window), QColor(0xF5, 0xF3, 0xEE));
+        QVERIFY(!QApplication::windowIcon().isNull());
         QVERIFY(!QDialog().windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
         QLineEdit field;
         const std::unique_ptr<QMenu> menu(field.createStandardContextMenu());

@@ -10,6 +10,7 @@
 #include "mainwindow/MainForm.h"
 #include "notifications/NotificationForm.h"
 #include "notifications/NotificationType.h"
+#include "res/Resources.h"
 #include "service/TessaPort.h"
 #include "support/TestMain.h"
 #include "update/UpdateState.h"
@@ -18,6 +19,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMetaEnum>
+#include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <QStyleOptionButton>
@@ -181,19 +183,24 @@ private slots:
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("kind");
-        const std::pair<const char*, const char*> rows[] = {
-            {"strip", "Dialog, on top"},
-            {"sign-in", "Tool, on top"},
-            {"picker", "Dialog, on top, modal to its parent"},
-            {"list", "Dialog, on top"},
-            {"description", "Dialog, on top"},
-            {"texts", "Dialog, on top"},
-            {"deadline", "Dialog, on top, modal"},
-            {"about", "Dialog, framed"},
-            {"notice", "Tool, on top"},
-            {"update", "Tool, on top"}};
-        for (const auto& [name, kind] : rows)
-            QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(kind);
+        QTest::addColumn<QString>("panel");
+        const QString big = QStringLiteral(":/images/res/images/big_fon.png");
+        const QString main = QStringLiteral(":/images/main.png");
+        const QString notice = QStringLiteral(":/images/bg_notifications_withLogo.png");
+        const auto row = [](const char* name, const char* kind, const QString& panel) {
+            QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(kind) << panel;
+        };
+        row("strip", "Dialog, on top", main);
+        row("sign-in", "Tool, on top", QStringLiteral(":/images/wlogin-top.png"));
+        row("picker", "Dialog, on top, modal to its parent", main);
+        row("list", "Dialog, on top", big);
+        row("description", "Dialog, on top", big);
+        row("texts", "Dialog, on top", big);
+        row("deadline", "Dialog, on top, modal",
+            QStringLiteral(":/images/res/images/kalendar_fon.png"));
+        row("about", "Dialog, framed", QString());
+        row("notice", "Tool, on top", notice);
+        row("update", "Tool, on top", notice);
     }
 
     void windows()
@@ -204,6 +211,9 @@ private slots:
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window));
         QCOMPARE(kindOf(window), kind);
+        QFETCH(QString, panel);
+        if (!panel.isEmpty())
+            comparePanel(window, panel);
         QCOMPARE(lacks(window).join(QStringLiteral("; ")), QString());
 
         const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
@@ -278,6 +288,46 @@ private:
         if (showsTexts)
             form->on_pbCopyrightTasks_clicked();
         return form;
+    }
+
+    /// The head of the window is that of its picture, stretched to what the window is drawn for,
+    /// wherever nothing stands on it.
+    static void comparePanel(QWidget* window, const QString& panel)
+    {
+        const QImage shown = window->grab({0, 0, window->width(), 30}).toImage();
+        const int height = panel.contains(QLatin1String("login")) ? 40
+            : window->inherits("TaskListForm")                    ? 565
+            : window->inherits("TaskDescriptionForm")             ? 437
+                                                                  : window->height();
+        QImage known(shown.size(), QImage::Format_ARGB32_Premultiplied);
+        known.setDevicePixelRatio(shown.devicePixelRatio());
+        known.fill(Qt::transparent);
+        QPainter painter(&known);
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawImage(QRect(0, 0, window->width(), height), panelImage(panel));
+        painter.end();
+        const QPointF farFromHead(0.08 * window->width(), 0.6 * window->height());
+        QCOMPARE(window->grab()
+                     .toImage()
+                     .pixelColor((farFromHead * shown.devicePixelRatio()).toPoint())
+                     .alpha(),
+                 255);
+        int compared = 0, same = 0;
+        for (int y = 1; y < 30; ++y) {
+            for (int x = 1; x < window->width(); x += 3) {
+                const QWidget* const child = window->childAt(x, y);
+                if (child && child->objectName() != QLatin1String("wTop"))
+                    continue;
+                const QPoint pixel = QPoint(x, y) * shown.devicePixelRatio();
+                const QColor one = shown.pixelColor(pixel), other = known.pixelColor(pixel);
+                ++compared;
+                same += std::abs(one.alpha() - other.alpha()) + std::abs(one.red() - other.red())
+                        + std::abs(one.blue() - other.blue())
+                    < 24;
+            }
+        }
+        QVERIFY2(compared > 200 && same > 0.97 * compared,
+                 qPrintable(QStringLiteral("%1 of %2").arg(same).arg(compared)));
     }
 
     /// For people to look at.

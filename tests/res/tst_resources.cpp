@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QDirIterator>
+#include <QFontDatabase>
 #include <QFontInfo>
 #include <QPushButton>
 
@@ -52,6 +53,7 @@ private slots:
         initResources();
         installFonts();
         QCOMPARE(QFontInfo(QApplication::font()).family(), QStringLiteral("PT Sans"));
+        QVERIFY(QFontDatabase().styles(QStringLiteral("PT Sans")).contains(QStringLiteral("Bold")));
         QFile file(QStringLiteral(":/qss/main.qss"));
         QVERIFY(file.open(QIODevice::ReadOnly));
         qApp->setStyleSheet(QString::fromUtf8(file.readAll()));
