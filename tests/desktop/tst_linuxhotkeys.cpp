@@ -46,13 +46,10 @@ private slots:
             const char* press;
         } rows[] = {
             {"us,de", Qt::Key_Z, "ctrl+52"}, // where de has Y
-            {"de,us", Qt::Key_Z, "ctrl+29"},
-            {"us,fr", Qt::Key_A, "ctrl+38"},
             {"us,fr", Qt::Key_Q, "ctrl+24"}, // where fr has A
             {"fr", Qt::Key_1, "ctrl+10"}, // with Shift only
             {"ru,us", Qt::Key_K, "ctrl+45"},
             {"ru", Qt::Key_P, "ctrl+33"}, // not a letter of it at all
-            {"ru", Qt::Key_L, "ctrl+46"},
             {"ru", Qt::Key_M, "ctrl+58"},
         };
         for (const auto& [layouts, key, keys] : rows) {

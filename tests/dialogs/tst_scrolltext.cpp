@@ -222,35 +222,14 @@ private slots:
         }
     }
 
-    void slidesAndRests()
-    {
-        AutoScrollLineEdit widget;
-        widget.setFixedSize(100, 40);
-        const QScrollBar* const bar = widget.verticalScrollBar();
-        for (const bool isLong : {false, true}) {
-            widget.setPlainText(isLong ? longText.repeated(4) : QStringLiteral("одна строка"));
-            picture(widget);
-            const int end = bar->maximum();
-            QCOMPARE(end > 10, isLong);
-            for (const bool forward : {true, false}) {
-                tick(widget, 5);
-                QCOMPARE(bar->value(), forward ? 0 : end);
-                tick(widget, 1, "border_timer_timeout");
-                QCOMPARE(bar->value(), qBound(0, forward ? 1 : end - 1, end));
-                tick(widget, end);
-            }
-            QCOMPARE(bar->value(), 0);
-        }
-    }
-
     /// By itself, twenty steps a second, after a second at either end.
     void slidesInItsTime()
     {
         AutoScrollLineEdit widget;
         widget.setFixedSize(100, 40);
+        const QScrollBar* const bar = widget.verticalScrollBar();
         widget.setPlainText(longText.repeated(4));
         picture(widget);
-        const QScrollBar* const bar = widget.verticalScrollBar();
         passTime(900, 5);
         QCOMPARE(bar->value(), 0);
         passTime(700, 5);
@@ -262,6 +241,13 @@ private slots:
         passTime(700, 5);
         QVERIFY(bar->value() < bar->maximum() - 5);
         QCOMPARE(widget.textInteractionFlags(), Qt::NoTextInteraction);
+
+        AutoScrollLineEdit oneLine;
+        oneLine.setFixedSize(100, 40);
+        oneLine.setPlainText(QStringLiteral("одна строка"));
+        picture(oneLine);
+        passTime(3000, 50);
+        QCOMPARE(oneLine.verticalScrollBar()->value(), 0);
     }
 };
 

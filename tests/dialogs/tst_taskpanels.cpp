@@ -26,7 +26,9 @@ TaskInfo fullInfo()
     info.text = QStringLiteral("<b>Три</b> текста");
     info.files = {{{}, {}, QStringLiteral("Бриф.docx"), QStringLiteral("49357")},
                   {{}, {}, QStringLiteral("<i>Макет</i>"), QStringLiteral("много")},
-                  {{}, {}, QStringLiteral("Съёмка.mov"), QStringLiteral("3221225472")}};
+                  {{}, {}, QStringLiteral("Съёмка.mov"), QStringLiteral("3221225472")},
+                  {{}, {}, QStringLiteral("a"), QStringLiteral("1023")},
+                  {{}, {}, QStringLiteral("b"), QStringLiteral("2251799813685248")}};
     TextTask first;
     first.title = QStringLiteral("Первый");
     first.page = QUrl(QStringLiteral("https://a.org/?b=1&copy=2"));
@@ -141,7 +143,7 @@ private slots:
         clickRow(0);
         session().setTaskInfo(QStringLiteral("21"), fullInfo());
         clickRow(0);
-        QCOMPARE(labelText(*first, "lbAttachmentsNumber"), QStringLiteral("3"));
+        QCOMPARE(labelText(*first, "lbAttachmentsNumber"), QStringLiteral("5"));
         emit m_mainForm->hideAll();
         emit m_mainForm->hideAll();
         QVERIFY(!m_list->isVisible() && !first->isVisible());
@@ -166,11 +168,12 @@ private slots:
         QCOMPARE(title->text(), QStringLiteral("<b>Тексты"));
         QVERIFY(title->toolTip().contains(QLatin1String("&lt;b&gt;")));
         QCOMPARE(text("lbTaskDeadline"), QStringLiteral("Истекает: 2020-04-26 18:00:00"));
-        QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("3"));
+        QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("5"));
         QCOMPARE(rowTexts(child<QListWidget>("listAttachments")),
                  QStringList({QStringLiteral("Бриф.docx|48.20 KB"),
                               QStringLiteral("<i>Макет</i>|0.00 B"),
-                              QStringLiteral("Съёмка.mov|3.00 GB")}));
+                              QStringLiteral("Съёмка.mov|3.00 GB"), QStringLiteral("a|1023.00 B"),
+                              QStringLiteral("b|2048.00 TB")}));
         QCOMPARE(child<QTextBrowser>("textTask")->toPlainText(), QStringLiteral("Три текста"));
         QCOMPARE(text("lbUrl"),
                  QStringLiteral("URL: <a href=\"https://a.org/?b=1&amp;copy=2\" style=\"color:rgb("
@@ -196,9 +199,9 @@ private slots:
         QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("0"));
         session().setIsOnline(false);
         m_description->requestUpdateTask(bare.id);
-        QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("3"));
+        QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("5"));
         const TaskDescriptionForm another(bare.id, m_service.get(), m_list.get());
-        QCOMPARE(labelText(another, "lbAttachmentsNumber"), QStringLiteral("3"));
+        QCOMPARE(labelText(another, "lbAttachmentsNumber"), QStringLiteral("5"));
     }
 
     void namesEachResponsibleOnce()
@@ -217,16 +220,6 @@ private slots:
             QCOMPARE(text("lbResponsible"),
                      QStringLiteral("Ответственные: ") + QLatin1String(names));
         }
-    }
-
-    void readableSize()
-    {
-        const auto size = &TaskDescriptionForm::size_human;
-        QCOMPARE(size(1023), QStringLiteral("1023.00 B"));
-        QCOMPARE(size(1024), QStringLiteral("1.00 KB"));
-        QCOMPARE(size(1572864), QStringLiteral("1.50 MB"));
-        QCOMPARE(size(2251799813685248), QStringLiteral("2048.00 TB"));
-        QCOMPARE(size(-2048), QStringLiteral("-2048.00 B"));
     }
 
     void turnsItsPages()

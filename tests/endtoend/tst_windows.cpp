@@ -8,12 +8,8 @@ namespace {
 const QString strip = QStringLiteral("Tessaport");
 const QString picker = QStringLiteral("Задачи");
 const QString signIn = QStringLiteral("Авторизация");
-const QString taskList = QStringLiteral("Задачи команды \"Портал «Городские маршруты»\"");
-const QString description = QStringLiteral("Цели задачи");
 
-const QPoint tasksWord(90, 18);
 const QPoint playButton(230, 35);
-const QPoint bell(348, 40);
 
 void change(QJsonArray& objects, int index, const QString& key, const QJsonValue& value)
 {
@@ -24,7 +20,7 @@ void change(QJsonArray& objects, int index, const QString& key, const QJsonValue
 
 } // namespace
 
-/// The windows on a desktop, by a real pointer: notices, tray, menu, account, panels.
+/// The windows on a desktop, by a real pointer: notices, menu, account.
 class WindowsTest : public QObject {
     Q_OBJECT
 
@@ -75,13 +71,6 @@ private slots:
         QVERIFY(program.waitForNotices(3));
         QVERIFY(waitUntil([&] { return program.notices() == stack.mid(0, 3); }));
         QCOMPARE(home.logged("Monitor stopped"), 0);
-
-        // The bell hides them and brings them back.
-        QVERIFY(program.click(strip, bell));
-        QVERIFY(program.waitForNotices(0));
-        QVERIFY(program.click(strip, bell));
-        QVERIFY(program.waitForNotices(3));
-        QCOMPARE(program.notices(), stack.mid(0, 3));
 
         // The lowest leads to its task, and the others come down.
         Desktop::click(stack.first().center());
@@ -146,65 +135,6 @@ private slots:
         QVERIFY(program.waitForNotices(1));
         QCOMPARE(home.logged("Monitor started"), 3);
         QVERIFY(!program.window(signIn));
-    }
-
-    void panels()
-    {
-        StandIn standIn(StandIn::demoData(), SERVICE_PORT);
-        Home home;
-        home.signIn("", "", false);
-        Program program(home);
-        program.start();
-        QVERIFY(program.waitFor(strip));
-        // The second team; its one task to choose from is the blocking one.
-        QVERIFY(program.openTaskPicker());
-        Desktop::press("Down Return");
-        QVERIFY(program.waitForGone(picker));
-
-        QVERIFY(program.click(strip, tasksWord));
-        const QPoint firstRow(330, 53);
-        const QPoint secondRow(330, 79);
-        QVERIFY(program.click(taskList, firstRow));
-        QVERIFY(program.waitFor(description));
-        const QString first = program.window(description)->id;
-
-        // All three are there to be used at the same time.
-        QVERIFY(program.click(taskList, secondRow));
-        QVERIFY(waitUntil([&] {
-            const auto shown = program.window(description);
-            return shown && shown->id != first;
-        }));
-        const QRect word(258, 8, 60, 20);
-        const QImage today = program.picture(strip, word);
-        for (const bool isOther : {true, false}) {
-            QVERIFY(program.click(strip, word.center()));
-            // Away again, or a tool tip covers the word.
-            Desktop::movePointer({300, 300});
-            QVERIFY(waitUntil([&] { return (program.picture(strip, word) != today) == isOther; }));
-        }
-        QVERIFY(program.window(taskList) && program.window(description));
-
-        // They go and come back together.
-        QVERIFY(program.click(strip, {150, 60}));
-        QVERIFY(program.waitForActive(strip));
-        Desktop::press("Escape");
-        for (const QString& title : {strip, taskList, description})
-            QVERIFY(program.waitForGone(title));
-        for (const DesktopWindow& window : Desktop::windows()) {
-            if (window.title == QLatin1String("panel"))
-                Desktop::click(window.geometry.center());
-        }
-        for (const QString& title : {strip, taskList, description})
-            QVERIFY(program.waitFor(title));
-
-        QVERIFY(program.click(taskList, secondRow));
-        QVERIFY(program.waitForGone(description));
-        QVERIFY(program.click(strip, tasksWord));
-        QVERIFY(program.waitForGone(taskList));
-        // The button in the corner.
-        QVERIFY(program.click(strip, {374, 10}));
-        QVERIFY(program.waitForGone(strip));
-        QVERIFY(program.isRunning());
     }
 
 private:
