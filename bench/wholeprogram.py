@@ -67,10 +67,10 @@ class Start:
         self.user.mkdir(parents=True, mode=0o700)
         Home.write_ini(self.user.parent / "config.ini", lastLogin=USER)
         self._write_session(self.user, STOPPED)
-        with self._process(build.monitor, self.home) as process:
-            wait_until(lambda: (self.user / "taskInfo.ini").exists(), "the tasks are known")
-            process.terminate()
-            process.wait()
+        log = self.user.parent / "log.log"
+        with self._process(build.monitor, self.home):
+            wait_until(lambda: log.exists() and "TaskInfo for" in log.read_text(),
+                       "the tasks are known")
 
     @staticmethod
     def _write_session(user, state):
@@ -78,10 +78,17 @@ class Start:
                        taskID="48211", active="false" if state == STOPPED else "true")
 
     @staticmethod
+    @contextmanager
     def _process(program, home):
         # The lock against a second instance is made in the folder for temporary files.
-        return subprocess.Popen([program], env={**os.environ, "HOME": home, "TMPDIR": home},
-                                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        process = subprocess.Popen([program], env={**os.environ, "HOME": home, "TMPDIR": home},
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        try:
+            yield process
+            expect(process.poll() is None, f"{program} has ended by itself")
+        finally:
+            process.terminate()
+            process.wait()
 
     @contextmanager
     def __call__(self, state):
@@ -91,11 +98,7 @@ class Start:
             self._write_session(home / self.user.relative_to(self.home), state)
             floor = self.build.folder / "bin/tessaport-floor"
             with self._process(floor if state == FLOOR else self.build.monitor, home) as process:
-                try:
-                    yield process
-                    expect(process.poll() is None, f"{state}: the program has ended by itself")
-                finally:
-                    process.terminate()
+                yield process
 
     def close(self):
         shutil.rmtree(self.home)
