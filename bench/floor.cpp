@@ -15,7 +15,7 @@ int main(int argc, char* argv[])
     strip.setWindowFlags(Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint
                          | Qt::WindowStaysOnTopHint);
     strip.setFixedSize(392, 73);
-    QLabel clock(&strip);
+    QLabel clock(QStringLiteral("00:00:00"), &strip);
     clock.setGeometry(258, 26, 74, 26);
 
     QTime time(0, 0);
