@@ -30,7 +30,7 @@ AbstractTessaportForm::~AbstractTessaportForm() = default;
 void AbstractTessaportForm::setBackground(const QString& resource)
 {
     m_backgroundName = resource;
-    m_background = panelImage(resource);
+    m_background = QImage();
     m_stretchedBackground = QImage();
     update();
 }
@@ -45,10 +45,19 @@ void AbstractTessaportForm::setHeight(int height, std::initializer_list<QWidget*
         child->resize(child->width(), child->height() - lost);
 
     setBackground(m_backgroundName);
-    if (height < m_tallest) {
+}
+
+// When it is first seen: most forms are made with the program, hidden, and not opened for hours.
+const QImage& AbstractTessaportForm::background()
+{
+    if (!m_background.isNull())
+        return m_background;
+    m_background = panelImage(m_backgroundName);
+    if (height() < m_tallest) {
         const qreal scale = qreal(m_background.height()) / m_tallest;
-        m_background = shortenedPanel(m_background, qRound(height * scale), scale);
+        m_background = shortenedPanel(m_background, qRound(height() * scale), scale);
     }
+    return m_background;
 }
 
 bool AbstractTessaportForm::eventFilter(QObject* object, QEvent* event)
@@ -67,5 +76,5 @@ void AbstractTessaportForm::paintEvent(QPaintEvent* event)
 {
     QWidget::paintEvent(event);
     QPainter painter(this);
-    paintPanel(painter, m_background, m_stretchedBackground);
+    paintPanel(painter, background(), m_stretchedBackground);
 }
