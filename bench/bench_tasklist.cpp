@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "bench/ByTurns.h"
 #include "bench/WindowBench.h"
 #include "dialogs/PanelFixture.h"
 #include "dialogs/TaskListForm.h"
@@ -21,24 +22,21 @@ void open(QWidget& window)
 }
 
 /// The same rows in a plain list, without any style sheet.
-void openPlainList(benchmark::State& state)
+void openPlainList(qint64 rows)
 {
-    for (auto _ : state) {
-        QListWidget list;
-        list.resize(360, 480);
-        for (int i = 0; i < state.range(0); ++i) {
-            const auto row = new QWidget(list.viewport());
-            const auto layout = new QHBoxLayout(row);
-            layout->addWidget(new QLabel(title, row));
-            layout->addWidget(new QPushButton(title, row));
-            const auto item = new QListWidgetItem(&list);
-            list.setItemWidget(item, row);
-            item->setSizeHint(row->sizeHint());
-        }
-        open(list);
+    QListWidget list;
+    list.resize(360, 480);
+    for (qint64 i = 0; i < rows; ++i) {
+        const auto row = new QWidget(list.viewport());
+        const auto layout = new QHBoxLayout(row);
+        layout->addWidget(new QLabel(title, row));
+        layout->addWidget(new QPushButton(title, row));
+        const auto item = new QListWidgetItem(&list);
+        list.setItemWidget(item, row);
+        item->setSizeHint(row->sizeHint());
     }
+    open(list);
 }
-BENCHMARK(openPlainList)->Arg(500)->Unit(benchmark::kMillisecond);
 
 void openTaskList(benchmark::State& state)
 {
@@ -55,13 +53,16 @@ void openTaskList(benchmark::State& state)
     const QString team = QStringLiteral("2");
     service.session()->setTeams({{QStringLiteral("1"), QStringLiteral("Первая")}, {team, team}});
     service.session()->setTasks(tasks, team);
-    for (auto _ : state) {
-        TaskListForm form(&service, &mainForm, &mainForm);
-        emit service.teamChanged(team);
-        open(form);
-    }
+    compareByTurns(
+        state,
+        [&] {
+            TaskListForm form(&service, &mainForm, &mainForm);
+            emit service.teamChanged(team);
+            open(form);
+        },
+        [&state] { openPlainList(state.range(0)); });
 }
-BENCHMARK(openTaskList)->Arg(0)->Arg(50)->Arg(500)->Unit(benchmark::kMillisecond);
+BENCHMARK(openTaskList)->Arg(0)->Arg(50)->Arg(500)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 } // namespace
 
