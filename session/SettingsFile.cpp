@@ -5,8 +5,8 @@
 #include <QDebug>
 #include <QFile>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QSettings>
-#include <QTemporaryFile>
 #include <QVariant>
 #include <QVector>
 
@@ -157,11 +157,15 @@ QStringList disarmDamagedValues(const QString& path)
     file.close();
     if (guarded.places.isEmpty())
         return {};
-    // Beside the file, since it may hold a password. On a full disk there is no copy; what the file
-    // holds is then taken as it is, rather than lost.
-    QTemporaryFile copyFile(path + QStringLiteral(".XXXXXX"));
-    if (!copyFile.open() || copyFile.write(guarded.text) != guarded.text.size()
-        || !copyFile.flush())
+    // Beside the file, since it may hold a password, and under one name, so that what a kill leaves
+    // goes with the next look. On a full disk there is no copy; what the file holds is then taken
+    // as it is, rather than lost.
+    QFile copyFile(path + QStringLiteral(".check"));
+    const auto removal = qScopeGuard([&copyFile] { copyFile.remove(); });
+    copyFile.remove();
+    if (!copyFile.open(QIODevice::WriteOnly)
+        || !copyFile.setPermissions(QFile::ReadOwner | QFile::WriteOwner)
+        || copyFile.write(guarded.text) != guarded.text.size() || !copyFile.flush())
         return {};
 
     const QSettings copy(copyFile.fileName(), QSettings::IniFormat);

@@ -296,6 +296,8 @@ private slots:
                 QRegularExpression(QStringLiteral("A damaged value is left out: \"")
                                    + QString::fromLatin1(keys[file].chopped(1))));
         }
+        // A kill has left it.
+        writeFile(dataPath(fileNames[0]) + QStringLiteral(".check"), "half of a cop");
         QStringList expected = annasState(QStringLiteral("01:02:00"), QStringLiteral("00:47:00"));
         expected[6].replace(QStringLiteral("101: 00:47:00"), QStringLiteral("101: 00:00:00"));
         expected[7] = QStringLiteral("17=");
