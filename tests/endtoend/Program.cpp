@@ -138,21 +138,16 @@ bool Program::clickToChange(const QString& title, const QPoint& place, const QRe
     return click(title, place) && waitUntil([&] { return picture(title, part) != before; });
 }
 
-QVector<QRect> Program::notices() const
-{
-    QVector<QRect> result;
-    for (const DesktopWindow& window : windows()) {
-        if (window.geometry.size() == QSize(250, 100))
-            result.append(window.geometry);
-    }
-    std::sort(result.begin(), result.end(),
-              [](const QRect& one, const QRect& other) { return one.top() > other.top(); });
-    return result;
-}
-
 bool Program::waitForNotices(int count) const
 {
-    return waitUntil([&] { return notices().size() == count; });
+    return waitUntil([&] {
+        const QVector<DesktopWindow> all = windows();
+        return std::count_if(all.begin(), all.end(),
+                             [](const DesktopWindow& window) {
+                                 return window.geometry.size() == QSize(250, 100);
+                             })
+            == count;
+    });
 }
 
 bool Program::openTaskPicker() const

@@ -42,8 +42,7 @@ public:
     /// What a part of the desktop, as seen from the window, looks like; null without the window.
     QImage picture(const QString& title, const QRect& part) const;
 
-    /// The places of its notices on screen, the lowest first.
-    QVector<QRect> notices() const;
+    /// Until so many of its notices are on screen.
     bool waitForNotices(int count) const;
 
     /// Opens the task picker from the strip, and waits until the service has filled it anew.

@@ -120,6 +120,50 @@ private slots:
         QVERIFY(home.log().trimmed().endsWith("Exit TessaPort Team Monitor OK"));
     }
 
+    void accountAndExit()
+    {
+        Desktop::movePointer({300, 300});
+        StandIn standIn(StandIn::demoData(), SERVICE_PORT);
+        Home home;
+        home.signIn("1507", "48215", true);
+        Program program(home);
+        program.start();
+        QVERIFY(home.waitForLog("Monitor started"));
+        QVERIFY(program.waitForNotices(1));
+
+        QVERIFY(program.chooseFromMenu("Down Down Down Return"));
+        QVERIFY(program.waitForActive(signIn));
+        QCOMPARE(home.logged("Monitor stopped"), 1);
+        Desktop::press("ctrl+a");
+        Desktop::type("anna@example.com");
+        Desktop::press("Tab");
+        Desktop::type("demo");
+        Desktop::press("Return");
+        QVERIFY(home.waitForLog("Login as  \"anna@example.com\""));
+        QVERIFY(program.waitForGone(signIn));
+        QVERIFY(program.isRunning());
+        const auto taskOf = [&](const char* sessionFile) {
+            return Home::value(home.file(sessionFile), "taskID").toString();
+        };
+        QCOMPARE(taskOf("demo@example.com/session.ini"), QStringLiteral("48215"));
+
+        // Her first task, by the keyboard.
+        QVERIFY(program.openTaskPicker());
+        Desktop::press("Return");
+        QVERIFY(program.waitForGone(QStringLiteral("Задачи")));
+        QVERIFY(program.click(strip, {230, 35}));
+        QVERIFY(home.waitForLog("Monitor started", 2));
+        QVERIFY(program.chooseFromMenu("Up Return"));
+        QCOMPARE(program.waitForExit(), 0);
+        QVERIFY(home.log().endsWith(": Exit TessaPort Team Monitor OK\n"));
+        QCOMPARE(taskOf("anna@example.com/session.ini"), QStringLiteral("48211"));
+
+        program.start();
+        QVERIFY(program.waitForNotices(1));
+        QCOMPARE(home.logged("Monitor started"), 3);
+        QVERIFY(!program.window(signIn));
+    }
+
     void inAWaylandSession()
     {
         Home home;
