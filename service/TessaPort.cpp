@@ -13,16 +13,29 @@
 #include <QUrlQuery>
 
 #include <algorithm>
+#include <chrono>
 #include <iterator>
 
+namespace {
+
+// Room for a hundred thousand tasks, and for any page that stands in the place of an answer.
+constexpr qint64 lists = 64 << 20;
+constexpr qint64 words = 1 << 20;
+
+// Of silence. A connection that is dead without having ended would hold its request for hours, and
+// with six of them everything that comes after, pictures in memory among it.
+constexpr std::chrono::milliseconds patience = std::chrono::minutes(10);
+
+} // namespace
+
 const TessaPort::Endpoint TessaPort::endpoints[] = {
-    {SignIn, "/api_teams", &TessaPort::handleLogin, false},
-    {Refresh, "/api_teams_tasks", &TessaPort::handleTeamsAndTasks, true},
-    {Version, "/monitor/tpmc.version", &TessaPort::handleUpdate, false},
-    {Report, nullptr, &TessaPort::handleReportReply, false},
-    {DeadlineRequest, "/api_task_deadline_request", &TessaPort::handleDeadlineReply, false},
-    {Details, "/api_get_task", &TessaPort::handleTaskInfo, true},
-    {TimeSync, "/api_get_active", &TessaPort::handleTimeSync, true},
+    {SignIn, "/api_teams", &TessaPort::handleLogin, false, lists},
+    {Refresh, "/api_teams_tasks", &TessaPort::handleTeamsAndTasks, true, lists},
+    {Version, "/monitor/tpmc.version", &TessaPort::handleUpdate, false, words},
+    {Report, nullptr, &TessaPort::handleReportReply, false, words},
+    {DeadlineRequest, "/api_task_deadline_request", &TessaPort::handleDeadlineReply, false, words},
+    {Details, "/api_get_task", &TessaPort::handleTaskInfo, true, lists},
+    {TimeSync, "/api_get_active", &TessaPort::handleTimeSync, true, words},
 };
 
 TessaPort::TessaPort(QObject* parent)
@@ -30,6 +43,7 @@ TessaPort::TessaPort(QObject* parent)
 {
     if (!session()->login().isEmpty())
         ReportFile::removeUnfinished(activityDir());
+    m_manager.setTransferTimeout(int(patience.count()));
     connect(&m_manager, &QNetworkAccessManager::finished, this, &TessaPort::replyFinished);
     connect(&m_manager, &QNetworkAccessManager::sslErrors, this, &TessaPort::sslErrorHandler);
     connect(&m_manager, &QNetworkAccessManager::networkAccessibleChanged, this,
@@ -81,6 +95,13 @@ QNetworkReply* TessaPort::tagged(QNetworkReply* reply, Stage stage)
 {
     reply->setProperty("stage", stage);
     reply->setProperty("login", session()->login());
+    const qint64 longest = endpointOf(stage)->longestAnswer;
+    connect(reply, &QNetworkReply::readyRead, this, [reply, longest] {
+        if (reply->bytesAvailable() <= longest)
+            return;
+        qWarning() << "Error! Answer is too long: " << reply->url().path();
+        reply->abort();
+    });
     return reply;
 }
 

@@ -19,8 +19,9 @@ QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED
 
 /// The one client of the service: every call goes out and every reply comes back here. Requests
-/// are sent and left to come back when they will; nothing is queued, timed out, cancelled or
-/// retried, except that a report is a file on disk until the service has confirmed it.
+/// are sent and left to come back when they will; nothing is queued or retried, except that a
+/// report is a file on disk until the service has confirmed it, and nothing is given up but an
+/// answer that has no end or does not come.
 class TessaPort : public SessionOwner {
     Q_OBJECT
 
@@ -97,6 +98,7 @@ private:
         const char* path; ///< null where the address comes with the report
         void (TessaPort::*handler)(QNetworkReply*);
         bool isForSession; ///< the reply goes into the session of the user who asked
+        qint64 longestAnswer; ///< in bytes, unpacked; of a longer one the rest is not waited for
     };
     static const Endpoint endpoints[7];
     /// Null for a number that is no stage.
@@ -105,7 +107,8 @@ private:
 
     QNetworkReply* get(Stage stage, const QUrlQuery& query);
     QNetworkReply* post(Stage stage, const QUrl& url, const QByteArray& body);
-    /// Marks a reply with the call that it answers and the user for whom it was made.
+    /// Marks a reply with the call that it answers and the user for whom it was made, and bounds
+    /// it.
     QNetworkReply* tagged(QNetworkReply* reply, Stage stage);
 
     void handleLogin(QNetworkReply* reply);

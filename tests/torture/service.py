@@ -3,7 +3,7 @@
 
 from contextlib import closing
 
-from lab import PATHS, REPORT_PATHS, Clock, Home, Service, expect, wait_until
+from lab import ACTIVITY, PATHS, REPORT_PATHS, Clock, Home, Service, expect, wait_until
 from ledger import Ledger
 
 STRIP = "Tessaport"
@@ -47,10 +47,17 @@ class Attack:
                    f"the window tells that the service answers: {when}")
         return self.monitor.resident_kilobytes()
 
+    def outlast_silence(self):
+        """On as many connections as there are at most; what is behind goes out all the same."""
+        self.service.fail(ACTIVITY, "hang", count=6)
+        self.another_minutes(8)
+        self.settle("requests that are never answered")
+
 
 def run(build, options):
     with closing(Service(build)) as service, closing(Home(build, Clock(speed=60))) as home:
         attack = Attack(service, home, home.start())
+        attack.outlast_silence()
         targets = [PATHS] if options.short else [PATHS, *((path,) for path in PATHS)]
         sizes = []
         for round_ in range(1 if options.short else 2):
