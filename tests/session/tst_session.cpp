@@ -268,6 +268,8 @@ private slots:
 
     void teams()
     {
+        QCOMPARE(m_session->team(b).name, QStringLiteral("Команда b"));
+        QCOMPARE(m_session->blockingTasks(a), QList<Task>{task("2")});
         const QString c = QStringLiteral("c");
         QString told;
         connect(m_session, &Session::teamsUpdated, this,

@@ -82,7 +82,7 @@ QStringList annasState(const QString& work, const QString& active)
 {
     return {QStringLiteral("anna@example.com"),
             QStringLiteral("@Пароль, \"x\"; = \\n%"),
-            QStringLiteral("logged 1, active 1, online 0"),
+            QStringLiteral("logged 1, active 0, online 0"),
             QStringLiteral("17/101"),
             dayOf(QDate::currentDate()),
             QStringLiteral("shown %1 %2").arg(work, active),
@@ -179,6 +179,8 @@ private slots:
         session.setTodayActivetime(QTime(1, 0));
         session.setTaskActiveTime(QStringLiteral("101"), QTime(1, 0));
         session.syncDisplayActivetime();
+        session.setActive(true);
+        session.setIsOnline(true);
         session.reset();
         QStringList nobody{QString(),
                            QString(),
@@ -244,6 +246,18 @@ private slots:
         session.save();
         QCOMPARE(contentOf(dataPath(fileNames[2])), fixture(fileNames[2]));
         QVERIFY(contentOf(dataPath(fileNames[3])).contains("\nnew="));
+    }
+
+    void savedAtTheEndUnlessToldNotTo()
+    {
+        for (const bool isSaved : {false, true}) {
+            {
+                SessionOwner owner;
+                owner.setNoSave(!isSaved);
+                owner.session()->setTaskID(QStringLiteral("4"));
+            }
+            QCOMPARE(contentOf(dataPath(fileNames[0])).contains("taskID=4\n"), isSaved);
+        }
     }
 
     void writtenAgainAfterAFailure()
@@ -388,7 +402,9 @@ private slots:
         QVERIFY(QFile::link(dataPath(QStringLiteral("/linked")),
                             dataPath(user + QStringLiteral("team_17/a/link")))
                 || !hasModes());
+        QSettings().setValue(QStringLiteral("old"), 1);
         SessionOwner owner;
+        QVERIFY(!QSettings().contains(QStringLiteral("old")));
         for (const QString& name : old)
             QVERIFY2(!QFile::exists(dataPath(name)), qPrintable(name));
         QVERIFY(!QDir(dataPath(user + QStringLiteral("team_17"))).exists());
