@@ -3,6 +3,7 @@
 
 #include "platform/DiskFiles.h"
 #include "service/JsonCodec.h"
+#include "session/DataDirectory.h"
 
 #include <QDebug>
 #include <QDir>
@@ -104,19 +105,6 @@ void appendPicture(QByteArray& form, const QByteArray& picture)
 void makeDirectory(const QString& directory)
 {
     QDir().mkpath(directory);
-}
-
-/// The files of a directory that nobody can be at any more.
-QFileInfoList leftovers(const QString& directory, const QString& pattern)
-{
-    QFileInfoList files = QDir(directory).entryInfoList({pattern}, QDir::Files, QDir::Unsorted);
-    // A younger one may be another process's, which is at it right now.
-    const QDateTime oldEnough = QDateTime::currentDateTime().addSecs(-60);
-    const auto isYoung = [&oldEnough](const QFileInfo& file) {
-        return file.lastModified() >= oldEnough;
-    };
-    files.erase(std::remove_if(files.begin(), files.end(), isYoung), files.end());
-    return files;
 }
 
 /// The file names of the pictures that waiting reports name; nothing when one can't be read. What
@@ -243,12 +231,12 @@ bool writePicture(const QString& path, const QByteArray& jpeg)
 
 void removeUnfinished(const QString& directory)
 {
-    const QFileInfoList unfinished = leftovers(directory, unfinishedPrefix + QLatin1Char('*'));
+    const QFileInfoList unfinished = leftovers(directory, {unfinishedPrefix + QLatin1Char('*')});
     for (const QFileInfo& file : unfinished)
         QFile::remove(file.filePath());
 
     const QFileInfoList pictures =
-        leftovers(directory, QLatin1String(picturePrefix) + QLatin1String("*.jpg"));
+        leftovers(directory, {QLatin1String(picturePrefix) + QLatin1String("*.jpg")});
     if (pictures.isEmpty())
         return;
     const std::optional<QSet<QByteArray>> named = namedPictures(directory);

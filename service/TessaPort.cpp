@@ -3,7 +3,6 @@
 
 #include "notifications/NotificationManager.h"
 #include "service/OneTimeBody.h"
-#include "service/ReportFile.h"
 #include "service/ServiceAddress.h"
 #include "service/ServiceReply.h"
 #include "update/ElevatedStart.h"
@@ -42,7 +41,7 @@ TessaPort::TessaPort(QObject* parent)
     : SessionOwner(parent)
 {
     if (!session()->login().isEmpty())
-        ReportFile::removeUnfinished(activityDir());
+        removeUnfinished();
     m_manager.setTransferTimeout(int(patience.count()));
     connect(&m_manager, &QNetworkAccessManager::finished, this, &TessaPort::replyFinished);
     connect(&m_manager, &QNetworkAccessManager::sslErrors, this, &TessaPort::sslErrorHandler);

@@ -159,6 +159,8 @@ private:
     /// is lost.
     void keepUnwritten(const UnwrittenReport& unwritten);
     QString activityDir() const;
+    /// Removes what a process that was killed may have left of the user's.
+    void removeUnfinished();
 
     QNetworkAccessManager m_manager;
     int m_pendingReports = 0; ///< posted and not yet answered

@@ -5,6 +5,7 @@
 #include "service/JsonCodec.h"
 #include "service/ReportFile.h"
 #include "service/ServiceAddress.h"
+#include "session/SettingsFile.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -56,6 +57,13 @@ QString TessaPort::activityDir() const
 {
     // Without a user it is still inside of the data directory.
     return dataDir().filePath(session()->login()) + QStringLiteral("/activity");
+}
+
+void TessaPort::removeUnfinished()
+{
+    ReportFile::removeUnfinished(activityDir());
+    removeUnfinishedSettings(dataDir().path());
+    removeUnfinishedSettings(dataDir().filePath(session()->login()));
 }
 
 // --- New records

@@ -2,7 +2,6 @@
 #include "service/TessaPort.h"
 
 #include "notifications/NotificationManager.h"
-#include "service/ReportFile.h"
 #include "service/ServiceReply.h"
 #include "update/UpdateState.h"
 
@@ -60,7 +59,7 @@ void TessaPort::handleLogin(QNetworkReply* reply)
     }
     session()->load(loginSession()->login(), loginSession()->password());
     session()->setLogged(true);
-    ReportFile::removeUnfinished(activityDir());
+    removeUnfinished();
     loginSession()->reset();
     emit loginOk();
 }

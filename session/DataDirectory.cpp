@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "session/DataDirectory.h"
 
+#include <QDateTime>
 #include <QFile>
-#include <QFileInfo>
 #include <QStandardPaths>
+
+#include <algorithm>
 
 void DataDirectory::enterDataDirectory()
 {
@@ -37,4 +39,15 @@ bool DataDirectory::removeDirectory(const QString& path) const
             return false;
     }
     return QDir().rmdir(path);
+}
+
+QFileInfoList leftovers(const QString& directory, const QStringList& patterns)
+{
+    QFileInfoList files = QDir(directory).entryInfoList(patterns, QDir::Files, QDir::Unsorted);
+    const QDateTime oldEnough = QDateTime::currentDateTime().addSecs(-60);
+    const auto isYoung = [&oldEnough](const QFileInfo& file) {
+        return file.lastModified() >= oldEnough;
+    };
+    files.erase(std::remove_if(files.begin(), files.end(), isYoung), files.end());
+    return files;
 }

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <QDir>
+#include <QFileInfo>
 #include <QString>
+#include <QStringList>
 
 /// The program's own directory, `.tessaport` under the user's home, where all of its files are.
 class DataDirectory {
@@ -25,3 +27,7 @@ protected:
 private:
     QDir m_dataDir{QString()};
 };
+
+/// The files of a directory by these patterns that nobody can be at any more: a younger one than a
+/// minute may be another process's, which is at it right now.
+QFileInfoList leftovers(const QString& directory, const QStringList& patterns);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "session/SettingsFile.h"
 
+#include "session/DataDirectory.h"
+
 #include <QDataStream>
 #include <QDebug>
 #include <QFile>
@@ -186,4 +188,13 @@ QStringList disarmDamagedValues(const QString& path)
         }
     }
     return damagedKeys;
+}
+
+void removeUnfinishedSettings(const QString& directory)
+{
+    // Qt's random part, which it also gives to what a file is written anew in.
+    const QFileInfoList copies = leftovers(
+        directory, {QStringLiteral("*.ini.??????"), QStringLiteral("update.json.??????")});
+    for (const QFileInfo& copy : copies)
+        QFile::remove(copy.filePath());
 }

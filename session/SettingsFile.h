@@ -8,3 +8,7 @@
 /// value that would do that, or that is not whole, becomes a meaningless text in the file and is
 /// logged; not a byte of the others is touched. Gives the keys of these values.
 QStringList disarmDamagedValues(const QString& path);
+
+/// Removes the copies of ini files that a process left in this directory which was killed, a minute
+/// or more ago, while it looked at one or wrote it. They may hold a password.
+void removeUnfinishedSettings(const QString& directory);

@@ -92,7 +92,8 @@ private slots:
     void whatAKilledProgramLeaves()
     {
         for (const auto& [name, age] :
-             {std::pair("unfinished.old", 61), std::pair("unfinished.new", 50)}) {
+             {std::pair("unfinished.old", 61), std::pair("unfinished.new", 50),
+              std::pair("../session.ini.qWeRtY", 61), std::pair("../../update.json.qWeRtY", 61)}) {
             write(name, {});
             QFile file(directory().filePath(QLatin1String(name)));
             QVERIFY(file.open(QIODevice::ReadWrite));
@@ -103,6 +104,8 @@ private slots:
         client().login(QStringLiteral("demo@example.com"), QStringLiteral("demo"));
         QVERIFY(loginOk.wait());
         QCOMPARE(directory().entryList(QDir::Files), QStringList{QStringLiteral("unfinished.new")});
+        QVERIFY(!directory().exists(QStringLiteral("../session.ini.qWeRtY")));
+        QVERIFY(!directory().exists(QStringLiteral("../../update.json.qWeRtY")));
     }
 
 private:
