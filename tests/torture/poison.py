@@ -99,7 +99,9 @@ def thousands(build, service, count):
         first = (marks[1][0] - marks[0][0]) / (count / 4) * 1000
         last = (marks[3][0] - marks[2][0]) / (count / 4) * 1000
         expect(first < 2 * last + 1, f"{first:.1f} ms a file at first, {last:.1f} in the end")
-        return f"{count} files, {first:.1f} ms of processor a file at first, {last:.1f} in the end"
+        pace = (marks[3][1] - marks[0][1]) / (count - 1) * 1000
+        return f"{count} files, {pace:.1f} ms each, of processor {first:.1f} ms a file at first " \
+               f"and {last:.1f} in the end"
 
 
 def run(build, options):
