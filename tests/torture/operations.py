@@ -80,9 +80,12 @@ class Trial:
         # A kill between the counting of a minute and the log's word of it leaves one apart.
         apart = abs(home.minutes_counted() - len(ledger.minutes))
         expect(apart <= self.kills, f"counted {home.value('todayWorktime')} ({told})")
-        # What a kill leaves is cleaned up later, when it can be no other process's.
+        # What a kill leaves is cleaned up later, when it can be no other process's; so is the
+        # picture of a confirmed report that could not be opened to find its name.
+        unopened = any(line.endswith("FAILS") and kind(line)[0] == "open" and "/json" in line
+                       for line in self.operations)
         left = home.leftovers()
-        expect(not left or self.kills, f"left behind: {left}")
+        expect(not left or self.kills or unopened, f"left behind: {left}")
         return told
 
 
