@@ -16,7 +16,7 @@ inline const QString teamId = QStringLiteral("17");
 
 inline Task task(const char* id, int importance = 0, const char* block = "")
 {
-    Task task = makeTask(id, qPrintable(QStringLiteral("Задача ") + QLatin1String(id)));
+    Task task = makeTask(id, QByteArray("Задача ").append(id).constData());
     task.importance = importance;
     task.block = QLatin1String(block);
     return task;
