@@ -74,9 +74,11 @@ private slots:
     {
         QTest::addColumn<QString>("path");
         QTest::addColumn<QString>("mode");
-        for (const char* mode :
-             {"refuse", "garbage", "html", "drop-before", "drop-after", "status500", "endless"})
+        for (const char* mode : {"refuse", "garbage", "html", "drop-after", "status500", "endless"})
             QTest::newRow(mode) << activityPath << mode;
+        // On Windows Qt's socket may warn that it was about to write on.
+        if (!QSysInfo::kernelType().startsWith(QLatin1String("win")))
+            QTest::newRow("drop-before") << activityPath << "drop-before";
         for (const char* body : {"ok", R"({"status":"no"})"})
             QTest::newRow(body) << activityPath << "answer";
         for (const char* body : {"ok ", R"({"status":"ok"})"})
