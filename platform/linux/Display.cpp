@@ -25,5 +25,5 @@ QByteArray platform::windowsPlugin()
 
 QByteArray platform::displaylessPlugin()
 {
-    return QByteArrayLiteral("offscreen");
+    return QByteArrayLiteral("minimal");
 }
