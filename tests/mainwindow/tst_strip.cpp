@@ -16,7 +16,6 @@
 #include <QLoggingCategory>
 #include <QMenu>
 #include <QScreen>
-#include <QToolTip>
 
 /// What the strip shows, and what it opens.
 class StripTest : public QObject {
@@ -188,24 +187,6 @@ private slots:
         }
     }
 
-    void toolTipBesideAnotherWindow()
-    {
-        Strip strip(false, QString());
-        strip.form->show();
-        QWidget other;
-        other.show();
-        QVERIFY(QTest::qWaitForWindowActive(&other));
-        QTest::mouseMove(strip.play, QPoint(20, 20));
-        QTRY_COMPARE(QToolTip::text(), strip.play->toolTip());
-        // Not papered with the picture of the button.
-        const QWidgetList windows = QApplication::topLevelWidgets();
-        const auto tip = std::find_if(windows.begin(), windows.end(), [](const QWidget* window) {
-            return window->inherits("QTipLabel");
-        });
-        const QImage image = (*tip)->grab().toImage();
-        QCOMPARE(image.pixel(3, 9), image.pixel(20, 9));
-    }
-
     void opensItsWindows()
     {
         Strip strip;
@@ -226,7 +207,7 @@ private slots:
             QVERIFY(picker);
             QCOMPARE(picker->selectedTaskId(), QStringLiteral("1"));
             picker->findChild<QComboBox*>(QStringLiteral("cbTask"))->setCurrentIndex(1);
-            QVERIFY(QTest::qWaitForWindowActive(picker));
+            QVERIFY(QTest::qWaitForWindowExposed(picker));
             isConfirmed ? picker->accept() : picker->hide();
             QCOMPARE(strip.session->taskID(), QString::number(isConfirmed + 1));
         }
@@ -296,7 +277,7 @@ private:
             isOpen = form;
             if (!form)
                 return;
-            QVERIFY(QTest::qWaitForWindowActive(form));
+            QVERIFY(QTest::qWaitForWindowExposed(form));
             form->reject();
         });
         strip.invoke(slot);

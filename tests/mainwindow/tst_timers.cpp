@@ -8,6 +8,7 @@
 #include "support/TestMain.h"
 
 #include <QPlainTextEdit>
+#include <QToolTip>
 
 /// What happens by itself, and when.
 class TimersTest : public QObject, private ServiceTest {
@@ -15,6 +16,25 @@ class TimersTest : public QObject, private ServiceTest {
 
 private slots:
     void initTestCase() { initResources(); }
+
+    /// Those who look at the strip work in another window.
+    void toolTipBesideAnotherWindow()
+    {
+        Strip strip(false, QString());
+        strip.form->show();
+        QWidget other;
+        other.show();
+        QVERIFY(QTest::qWaitForWindowActive(&other));
+        QTest::mouseMove(strip.play, QPoint(20, 20));
+        QTRY_COMPARE(QToolTip::text(), strip.play->toolTip());
+        // Not papered with the picture of the button.
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        const auto tip = std::find_if(windows.begin(), windows.end(), [](const QWidget* window) {
+            return window->inherits("QTipLabel");
+        });
+        const QImage image = (*tip)->grab().toImage();
+        QCOMPARE(image.pixel(3, 9), image.pixel(20, 9));
+    }
 
     /// Half an hour with the monitor, and half an hour without.
     void anHour()
@@ -35,6 +55,9 @@ private slots:
         passTime(1799000, 1000);
         QCOMPARE(shownNotices().size(), 1);
         QTRY_COMPARE(counted(), QStringLiteral("30 minutes, 31 refreshes, 2 syncs, 1 versions"));
+        const QDir waiting(
+            client().dataDir().filePath(QStringLiteral("demo@example.com/activity")));
+        QTRY_VERIFY(waiting.entryList(QDir::Files).isEmpty());
         const int pictures = countOf("screenshot");
         QVERIFY2(pictures == 5 || pictures == 6, qPrintable(QString::number(pictures)));
         const QString query = standIn().requests(QStringLiteral("/api_get_active"))[0].query;
@@ -47,6 +70,7 @@ private slots:
         passTime(1740000, 1000);
         QCOMPARE(shownNotices(), QStringList());
         QTRY_COMPARE(counted(), QStringLiteral("30 minutes, 61 refreshes, 3 syncs, 2 versions"));
+        QVERIFY(waiting.entryList(QDir::Files).isEmpty());
         QCOMPARE(countOf("screenshot"), pictures);
     }
 

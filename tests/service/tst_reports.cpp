@@ -27,12 +27,22 @@ bool matches(const QByteArray& content, const QString& pattern)
     return expression.match(QString::fromUtf8(content)).hasMatch();
 }
 
+QtMessageHandler testMessages = nullptr;
+
+/// All but one of Qt's socket, which on Windows may be about to write on when its connection ends.
+void passMessage(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if (message != QLatin1String("QIODevice::write (QTcpSocket): device not open"))
+        testMessages(type, context, message);
+}
+
 } // namespace
 
 class ReportsTest : public QObject, private ServiceTest {
     Q_OBJECT
 
 private slots:
+    void initTestCase() { testMessages = qInstallMessageHandler(passMessage); }
     void init() { QVERIFY(start()); }
 
     void forms()
@@ -74,11 +84,9 @@ private slots:
     {
         QTest::addColumn<QString>("path");
         QTest::addColumn<QString>("mode");
-        for (const char* mode : {"refuse", "garbage", "html", "drop-after", "status500", "endless"})
+        for (const char* mode :
+             {"refuse", "garbage", "html", "drop-before", "drop-after", "status500", "endless"})
             QTest::newRow(mode) << activityPath << mode;
-        // On Windows Qt's socket may warn that it was about to write on.
-        if (!QSysInfo::kernelType().startsWith(QLatin1String("win")))
-            QTest::newRow("drop-before") << activityPath << "drop-before";
         for (const char* body : {"ok", R"({"status":"no"})"})
             QTest::newRow(body) << activityPath << "answer";
         for (const char* body : {"ok ", R"({"status":"ok"})"})
