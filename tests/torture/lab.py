@@ -326,14 +326,19 @@ class Monitor:
         places = [place for _, place in self._shown() if place[2:] == (250, 100)]
         return sorted(places, key=lambda place: -place[1])
 
+    def _place(self, title):
+        places = {}
+        wait_until(lambda: title in places or places.update(self._shown()),
+                   f"the window {title} is shown")
+        return places[title]
+
     def click(self, title, x, y):
-        wait_until(lambda: title in self.windows(), f"the window {title} is shown")
-        left, top, *_ = self.windows()[title]
+        left, top, *_ = self._place(title)
         click(left + x, top + y)
 
     def look(self, title, x, y, width, height):
         """A part of a window as a number to compare with another look."""
-        left, top, *_ = self.windows()[title]
+        left, top, *_ = self._place(title)
         picture = subprocess.run(
             ["import", "-window", "root", "-crop", f"{width}x{height}+{left + x}+{top + y}",
              "rgb:-"], capture_output=True, check=True).stdout

@@ -56,7 +56,9 @@ class Attack:
 
 def run(build, options):
     with closing(Service(build)) as service, closing(Home(build, Clock(speed=60))) as home:
-        attack = Attack(service, home, home.start())
+        # A picture's memory goes back to the system at once instead of when the allocator likes
+        # to, which is 6 MiB more or less in any look at it.
+        attack = Attack(service, home, home.start(MALLOC_MMAP_THRESHOLD_="131072"))
         attack.outlast_silence()
         targets = [PATHS] if options.short else [PATHS, *((path,) for path in PATHS)]
         sizes = []
@@ -64,9 +66,10 @@ def run(build, options):
             for paths in targets:
                 sizes += [attack.misbehave(mode, paths) for mode in MODES]
         # The first answers fill caches; a leak goes on behind them.
-        first, last = sizes[len(sizes) // 2], sizes[-1]
+        half = len(sizes) // 2
+        first, last = max(sizes[:half]), max(sizes[half:])
         expect(last - first <= 2048, f"grown from {first} to {last} KiB: {sizes}")
         attack.monitor.quit()
         ledger = Ledger(home, service)
         told = ledger.check()
-        return f"{told}; {first} KiB half way, {last} KiB in the end"
+        return f"{told}; at most {first} KiB in the first half, {last} KiB in the second"
