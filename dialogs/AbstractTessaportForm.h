@@ -25,7 +25,6 @@ public:
 protected:
     /// The picture behind the form, stretched to it: the main window's, until another is set.
     void setBackground(const QString& resource);
-    const QImage& background();
     /// Makes the form lower than it is drawn, where the screen has no room for it, or as tall
     /// again. The children listed lack the difference. For a form whose background is set.
     void setHeight(int height, std::initializer_list<QWidget*> children);
@@ -37,6 +36,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    const QImage& background();
+
     QImage m_background; ///< null till it is first asked for
     QImage m_stretchedBackground; ///< paintPanel()'s
     QString m_backgroundName;

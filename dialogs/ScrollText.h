@@ -28,6 +28,8 @@ public slots:
     void setSeparator(QString separator);
 
 protected:
+    /// Whether the text is wider than there is room.
+    bool overflows() const;
     bool eventFilter(QObject* object, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -38,7 +40,6 @@ private slots:
     virtual void timer_timeout();
 
 private:
-    bool overflows() const;
     void updateShownText();
     void setTextColour(const QColor& colour);
     void drawFrame(const QPainter& widgetPainter);

@@ -9,7 +9,6 @@
 #include "ui_TaskForm.h"
 
 #include <QListView>
-#include <QPainter>
 #include <QSignalBlocker>
 
 namespace {
@@ -150,9 +149,5 @@ void TaskForm::closeTask(QString)
 
 void TaskForm::paintEvent(QPaintEvent* event)
 {
-    QWidget::paintEvent(event);
-    QPainter painter(this);
-    painter.save();
-    paintPanel(painter, background());
-    painter.restore();
+    AbstractTessaportForm::paintEvent(event);
 }

@@ -13,9 +13,8 @@ class OneTimeBody : public QIODevice {
     Q_OBJECT
 
 public:
-    explicit OneTimeBody(const QByteArray& content, QObject* parent = nullptr)
-        : QIODevice(parent)
-        , m_content(content)
+    explicit OneTimeBody(const QByteArray& content)
+        : m_content(content)
     {
         // Else a copy is made beforehand, in pieces.
         open(ReadOnly | Unbuffered);

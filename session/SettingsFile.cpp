@@ -192,7 +192,7 @@ QStringList disarmDamagedValues(const QString& path)
 
 void removeUnfinishedSettings(const QString& directory)
 {
-    // Qt's random part, which it also gives to what a file is written anew in.
+    // With the random part that Qt gives to what a file is written anew in.
     const QFileInfoList copies = leftovers(
         directory, {QStringLiteral("*.ini.??????"), QStringLiteral("update.json.??????")});
     for (const QFileInfo& copy : copies)

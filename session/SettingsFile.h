@@ -9,6 +9,6 @@
 /// logged; not a byte of the others is touched. Gives the keys of these values.
 QStringList disarmDamagedValues(const QString& path);
 
-/// Removes the copies of ini files that a process left in this directory which was killed, a minute
-/// or more ago, while it looked at one or wrote it. They may hold a password.
+/// Removes what a process that was killed a minute or more ago, while it wrote an ini file of this
+/// directory, left of the new content. It may hold a password.
 void removeUnfinishedSettings(const QString& directory);

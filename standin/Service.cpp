@@ -4,9 +4,10 @@
 #include <algorithm>
 #include <cctype>
 #include <iostream>
-#include <regex>
 #include <stdexcept>
 #include <utility>
+
+#include <regex.h>
 
 #include "Connections.h"
 #include "Pages.h"
@@ -40,7 +41,12 @@ std::string lowerCase(std::string text)
 
 bool serves(const char* pattern, const std::string& path)
 {
-    return std::regex_match(path, std::regex(pattern));
+    regex_t expression;
+    if (regcomp(&expression, ("^(" + std::string(pattern) + ")$").c_str(), REG_EXTENDED) != 0)
+        return false;
+    const bool isMatch = regexec(&expression, path.c_str(), 0, nullptr, 0) == 0;
+    regfree(&expression);
+    return isMatch;
 }
 
 /// False when the client went away before all of it came.
