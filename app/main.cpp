@@ -8,6 +8,7 @@
 #include "mainwindow/MainForm.h"
 #include "notifications/NotificationManager.h"
 #include "platform/Console.h"
+#include "platform/Memory.h"
 #include "platform/Termination.h"
 #include "service/TessaPort.h"
 #include "update/ElevatedStart.h"
@@ -69,6 +70,7 @@ int main(int argc, char* argv[])
         platform::writeToConsole(*answer);
         return 0;
     }
+    platform::giveBackLargeBlocks();
     Application application(commandLine.count(), commandLine.values());
     setIdentity();
     platform::watchTermination(&application, [] { QCoreApplication::quit(); });

@@ -56,9 +56,7 @@ class Attack:
 
 def run(build, options):
     with closing(Service(build)) as service, closing(Home(build, Clock(speed=60))) as home:
-        # A picture's memory goes back to the system at once instead of when the allocator likes
-        # to, which is 6 MiB more or less in any look at it.
-        attack = Attack(service, home, home.start(MALLOC_MMAP_THRESHOLD_="131072"))
+        attack = Attack(service, home, home.start())
         attack.outlast_silence()
         targets = [PATHS] if options.short else [PATHS, *((path,) for path in PATHS)]
         sizes = []
