@@ -66,7 +66,8 @@ def run(build, options):
         # The first answers fill caches; a leak goes on behind them.
         half = len(sizes) // 2
         first, last = max(sizes[:half]), max(sizes[half:])
-        expect(last - first <= 2048, f"grown from {first} to {last} KiB: {sizes}")
+        # Two of 48 MiB; the sanitizers keep what is freed, and need many times both.
+        expect(last - first <= first // 24, f"grown from {first} to {last} KiB: {sizes}")
         attack.monitor.quit()
         ledger = Ledger(home, service)
         told = ledger.check()
