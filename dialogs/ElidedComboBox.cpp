@@ -1,22 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/ElidedComboBox.h"
 
+#include "dialogs/ShortText.h"
+
 #include <QItemDelegate>
 #include <QStylePainter>
 
 #include <algorithm>
 
 namespace {
-
-/// A line break would leave the halves of two lines in a row.
-QString inOneLine(QString text)
-{
-    for (QChar& character : text) {
-        if (character.isSpace())
-            character = QLatin1Char(' ');
-    }
-    return text;
-}
 
 /// Draws as the box would by itself.
 class RowDelegate : public QItemDelegate {

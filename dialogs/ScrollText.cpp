@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/ScrollText.h"
 
+#include "dialogs/ShortText.h"
+
 #include <QEvent>
 #include <QPainter>
 #include <QtMath>
@@ -104,16 +106,17 @@ void ScrollText::updateShownText()
 {
     m_timer.stop();
     const QFontMetrics metrics(font());
-    m_textWidth = metrics.horizontalAdvance(m_text);
+    const QString line = inOneLine(m_text);
+    m_textWidth = metrics.horizontalAdvance(line);
     m_scrolling = overflows();
     if (m_scrolling) {
         m_offset = -restTicks;
-        m_shownText.setText(m_text + m_separator);
+        m_shownText.setText(line + m_separator);
         if (isVisible()) {
             m_timer.start();
         }
     } else {
-        m_shownText.setText(m_text);
+        m_shownText.setText(line);
     }
     m_shownText.prepare(QTransform(), font());
     m_shownSize = QSize(metrics.horizontalAdvance(m_shownText.text()), metrics.height());

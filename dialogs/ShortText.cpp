@@ -9,3 +9,12 @@ QString shortText(const QString& text, int longest)
     const int end = text.at(longest - 1).isHighSurrogate() ? longest - 1 : longest;
     return text.left(end) + QChar(0x2026);
 }
+
+QString inOneLine(QString text)
+{
+    for (QChar& character : text) {
+        if (character.isSpace())
+            character = QLatin1Char(' ');
+    }
+    return text;
+}

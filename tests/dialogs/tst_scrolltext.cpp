@@ -208,6 +208,17 @@ private slots:
         QCOMPARE(picture(widget), empty);
     }
 
+    void linesStandBehindOneAnother()
+    {
+        QString lines = longText;
+        lines.replace(QLatin1Char(' '), QLatin1Char('\n'));
+        for (const int width : {171, 500}) {
+            Marquee widget(lines, width), oneLine(longText, width);
+            QCOMPARE(picture(widget), picture(oneLine));
+            QCOMPARE(widget.text(), lines);
+        }
+    }
+
     void followsTheMouseOnlyIfTold()
     {
         const QColor atRest(0x64, 0x64, 0x64);
