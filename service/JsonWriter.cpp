@@ -90,9 +90,14 @@ bool Writer::writeScalar(const QVariant& data)
 {
     switch (data.userType()) {
     case QMetaType::QString:
-    case QMetaType::QByteArray:
         writeString(data.toString());
         return true;
+    case QMetaType::QByteArray: {
+        // The variant would turn it into a text up to the first NUL byte.
+        const QByteArray utf8 = data.toByteArray();
+        writeString(QString::fromUtf8(utf8.constData(), utf8.size()));
+        return true;
+    }
     case QMetaType::Double: {
         const QByteArray number = QByteArray::number(data.toDouble(), 'g', 6);
         m_text += number;

@@ -136,6 +136,7 @@ void TestJsonCodec::writes()
     };
     for (const auto& [data, expected] : rows)
         QCOMPARE(JsonCodec::serialize(data), QByteArray(expected));
+    QCOMPARE(JsonCodec::serialize(QByteArray("a\0b", 3)), QByteArray("\"a\0b\"", 5));
 }
 
 void TestJsonCodec::refusesWhatCannotBeWritten()
