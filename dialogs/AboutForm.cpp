@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/AboutForm.h"
 
+#include "dialogs/WindowPlace.h"
 #include "res/Resources.h"
 #include "service/ServiceAddress.h"
 #include "service/TessaPort.h"
@@ -22,6 +23,7 @@ AboutForm::AboutForm(TessaPort* service, QWidget* parent)
         QStringLiteral("<a href=\"%1\"><span style=\"font-size:10pt; text-decoration: underline; "
                        "color:#0000ff;\">%1</span></a>")
             .arg(ServiceAddress::baseUrl().toHtmlEscaped()));
+    makeScrollable(this, {}, [this](const QSize& size) { setFixedSize(size); });
     connect(service, &TessaPort::updateAvailable, this, &AboutForm::updateAvailable);
 }
 

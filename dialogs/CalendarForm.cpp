@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/CalendarForm.h"
 
+#include "dialogs/WindowPlace.h"
 #include "notifications/NotificationManager.h"
 #include "res/Resources.h"
 #include "ui_CalendarForm.h"
@@ -47,6 +48,11 @@ CalendarForm::CalendarForm(QWidget* parent)
     connect(m_ui->pbCancel, &QPushButton::clicked, this, &CalendarForm::reject);
     setBackground(QStringLiteral(":/images/res/images/kalendar_fon.png"));
     setWindowTitle(m_ui->lbTitle->text());
+    // Above the line and within the border of the panel.
+    makeScrollable(this, {0, 33, 6, 8}, [this](const QSize& size) {
+        setFixedWidth(size.width());
+        setHeight(size.height(), {});
+    });
 }
 
 CalendarForm::~CalendarForm() = default;

@@ -4,6 +4,8 @@
 #include <QApplication>
 #include <QEvent>
 #include <QScreen>
+#include <QScrollArea>
+#include <QStyle>
 #include <QWidget>
 #include <QWindow>
 
@@ -77,6 +79,43 @@ private:
     bool m_isSettling = false;
 };
 
+/// The frame that the window manager is going to put around the window.
+QSize frameSize(const QWidget* window)
+{
+    if (window->windowFlags().testFlag(Qt::FramelessWindowHint))
+        return {0, 0};
+    if (window->isVisible())
+        return window->frameSize() - window->size();
+    const QStyle* const style = window->style();
+    const int border = style->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, window);
+    return {2 * border,
+            2 * border + style->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, window)};
+}
+
+/// Moves the children of the window below its head into contents that scroll, which are as large as
+/// the whole window within its edge, and which let its panel through.
+QScrollArea* moveIntoScrollArea(QWidget* window, const QRect& inside)
+{
+    const auto children = window->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    const auto area = new QScrollArea(window);
+    area->setFrameShape(QFrame::NoFrame);
+    const auto contents = new QWidget(area);
+    contents->setObjectName(QStringLiteral("wContents"));
+    contents->resize(inside.size());
+    area->setWidget(contents);
+    for (QWidget* const opaque : {contents, area->viewport()})
+        opaque->setAutoFillBackground(false);
+    for (QWidget* const child : children) {
+        const QRect place = child->geometry();
+        if (place.bottom() < inside.top())
+            continue;
+        child->setParent(contents);
+        child->move(place.topLeft() - inside.topLeft());
+    }
+    area->show();
+    return area;
+}
+
 } // namespace
 
 QRect availableArea()
@@ -108,4 +147,26 @@ void placeInArea(QWidget* window, const std::function<void()>& place)
 {
     place();
     whenAreaChanges(window, place);
+}
+
+void makeScrollable(QWidget* window, const QMargins& edge,
+                    const std::function<void(const QSize&)>& resize)
+{
+    placeInArea(window, [window, edge, resize, whole = window->rect()] {
+        const QSize room = availableArea().size() - frameSize(window);
+        QSize size = whole.size().boundedTo(room);
+        auto area = window->findChild<QScrollArea*>(QString(), Qt::FindDirectChildrenOnly);
+        if (!area && size != whole.size())
+            area = moveIntoScrollArea(window, whole.marginsRemoved(edge));
+        if (area) {
+            // The bar of one direction takes of the room in the other.
+            const int bar = window->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+            if (size.height() < whole.height())
+                size.setWidth(std::min(whole.width() + bar, room.width()));
+            if (size.width() < whole.width())
+                size.setHeight(std::min(whole.height() + bar, room.height()));
+            area->setGeometry(QRect(QPoint(), size).marginsRemoved(edge));
+        }
+        resize(size);
+    });
 }

@@ -5,7 +5,9 @@
 
 #include <functional>
 
+class QMargins;
 class QObject;
+class QSize;
 class QWidget;
 
 /// Where windows may stand on the first monitor, which is where they open. Qt would go by where a
@@ -25,3 +27,10 @@ void whenAreaChanges(QObject* context, const std::function<void()>& function);
 
 /// Has the window placed, now and whenever the available area changes.
 void placeInArea(QWidget* window, const std::function<void()>& place);
+
+/// Makes a window, whose children are placed for the size that it has, smaller where the area has
+/// no room for it, now and whenever the area changes: then its contents scroll. `edge` is what
+/// stays in place around them, the head with its children at the top. `resize` gives the window a
+/// size; where there is room, the window and its children are as if nothing had been done.
+void makeScrollable(QWidget* window, const QMargins& edge,
+                    const std::function<void(const QSize&)>& resize);

@@ -22,6 +22,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollArea>
 #include <QStyleOptionButton>
 #include <QTableView>
 #include <QTextEdit>
@@ -139,6 +140,31 @@ QStringList lacks(QWidget* window)
     return lacks;
 }
 
+/// Scrolls to a part of the window, where that scrolls; the room that there is for it then.
+QSize bringIntoView(QWidget* part)
+{
+    const auto area = part->window()->findChild<QScrollArea*>();
+    if (!area)
+        return part->size();
+    area->ensureWidgetVisible(part, 0, 0);
+    return part->size().boundedTo(area->viewport()->size());
+}
+
+/// The labels and buttons of the window that it neither shows nor scrolls to.
+QStringList outOfReach(QWidget* window)
+{
+    QStringList names;
+    const auto parts = window->findChildren<QWidget*>();
+    for (QWidget* const part : parts) {
+        if (!part->isVisible() || !(part->inherits("QLabel") || part->inherits("QPushButton")))
+            continue;
+        const QSize room = bringIntoView(part);
+        if (part->visibleRegion().boundingRect().size() != room)
+            names << part->objectName();
+    }
+    return names;
+}
+
 } // namespace
 
 /// All windows as they come up, on a desktop of whatever size and resolution.
@@ -220,6 +246,7 @@ private slots:
         QTRY_VERIFY2(
             area.contains(window->geometry()),
             qPrintable(QStringLiteral("%1 at %2, %3").arg(name).arg(window->x()).arg(window->y())));
+        QCOMPARE(outOfReach(window).join(QStringLiteral("; ")), QString());
         takePicture(window, name);
     }
 
@@ -229,11 +256,11 @@ private slots:
         CalendarForm form;
         form.show();
         QVERIFY(QTest::qWaitForWindowExposed(&form));
-        const QPushButton* const button =
-            form.findChild<QPushButton*>(QStringLiteral("pbTessaport"));
+        const auto button = form.findChild<QPushButton*>(QStringLiteral("pbTessaport"));
+        bringIntoView(button);
         const QImage image = form.grab().toImage();
         const qreal ratio = image.devicePixelRatio();
-        const QRectF place(QPointF(button->geometry().topLeft()) * ratio,
+        const QRectF place(QPointF(button->mapTo(&form, {})) * ratio,
                            QSizeF(button->size()) * ratio);
         // How much darker than the fill: the sum over the columns of an edge.
         const auto ink = [&](int from, int to) {
@@ -298,6 +325,7 @@ private:
         const int height = panel.contains(QLatin1String("login")) ? 40
             : window->inherits("TaskListForm")                    ? 565
             : window->inherits("TaskDescriptionForm")             ? 437
+            : window->inherits("CalendarForm")                    ? 360
                                                                   : window->height();
         QImage known(shown.size(), QImage::Format_ARGB32_Premultiplied);
         known.setDevicePixelRatio(shown.devicePixelRatio());
@@ -316,7 +344,8 @@ private:
         for (int y = 1; y < 30; ++y) {
             for (int x = 1; x < window->width(); x += 3) {
                 const QWidget* const child = window->childAt(x, y);
-                if (child && child->objectName() != QLatin1String("wTop"))
+                if (child && child->objectName() != QLatin1String("wTop")
+                    && child->objectName() != QLatin1String("wContents"))
                     continue;
                 const QPoint pixel = QPoint(x, y) * shown.devicePixelRatio();
                 const QColor one = shown.pixelColor(pixel), other = known.pixelColor(pixel);
