@@ -2,6 +2,7 @@
 #include "app/Application.h"
 #include "app/Log.h"
 #include "platform/WindowSystem.h"
+#include "support/Files.h"
 #include "support/TestMain.h"
 
 #include <QDialog>
@@ -45,12 +46,8 @@ public:
 private:
     static int& withTheme(int& argc)
     {
-        const QDir folder(QDir::home().filePath(QStringLiteral(".config/qt5ct")));
-        folder.mkpath(QStringLiteral("."));
-        QFile file(folder.filePath(QStringLiteral("qt5ct.conf")));
-        if (!file.open(QIODevice::WriteOnly)
-            || file.write("[Fonts]\ngeneral=\"DejaVu Serif,18,-1,5,50,0,0,0,0,0\"\n") < 0)
-            qFatal("can't write the theme's settings");
+        writeFile(QDir::home().filePath(QStringLiteral(".config/qt5ct/qt5ct.conf")),
+                  "[Fonts]\ngeneral=\"DejaVu Serif,18,-1,5,50,0,0,0,0,0\"\n");
         qputenv("QT_QPA_PLATFORMTHEME", "qt5ct");
         return argc;
     }
@@ -142,11 +139,7 @@ private slots:
     }
 
 private:
-    static QByteArray content()
-    {
-        QFile file(logFile.fileName());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
+    static QByteArray content() { return contentOf(logFile.fileName()); }
 
     const QMessageLogContext m_context{"file", 1, "function", "category"};
     QTemporaryDir m_directory;

@@ -3,6 +3,7 @@
 #include "dialogs/ElidedLabel.h"
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/ServiceTextBrowser.h"
+#include "support/Files.h"
 #include "support/TestMain.h"
 
 #include <QAbstractItemView>
@@ -81,10 +82,7 @@ private slots:
         }
 
         const QString sheet = directory.filePath(QStringLiteral("sheet.css"));
-        QFile sheetFile(sheet);
-        QVERIFY(sheetFile.open(QIODevice::WriteOnly));
-        sheetFile.write("p { color: #123456 }");
-        sheetFile.close();
+        writeFile(sheet, "p { color: #123456 }");
         for (const QString& source : {sheet, QUrl::fromLocalFile(sheet).toString()}) {
             text.setText(QStringLiteral("<style>@import url(%1);</style><p>a</p>").arg(source));
             QVERIFY(!text.toHtml().contains(QLatin1String("#123456")));

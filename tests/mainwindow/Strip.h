@@ -5,6 +5,7 @@
 #include "dialogs/PanelFixture.h"
 #include "mainwindow/MainForm.h"
 #include "notifications/NotificationManager.h"
+#include "support/Files.h"
 #include "support/Notices.h"
 #include "update/UpdateState.h"
 
@@ -103,9 +104,8 @@ struct Strip {
         const QDir dir(service->dataDir().filePath(QStringLiteral("a@b/activity")));
         QList<int> result;
         for (const QString& name : dir.entryList({QStringLiteral("json*")}, QDir::Files)) {
-            QFile file(dir.filePath(name));
-            file.open(QIODevice::ReadOnly);
-            const QJsonValue body = QJsonDocument::fromJson(file.readAll())[QLatin1String("body")];
+            const QJsonValue body =
+                QJsonDocument::fromJson(contentOf(dir.filePath(name)))[QLatin1String("body")];
             result.append(body[QLatin1String("active")].toString(QStringLiteral("-1")).toInt());
         }
         std::sort(result.begin(), result.end());

@@ -12,6 +12,7 @@
 #include "notifications/NotificationType.h"
 #include "res/Resources.h"
 #include "service/TessaPort.h"
+#include "support/Files.h"
 #include "support/TestMain.h"
 #include "update/UpdateState.h"
 
@@ -177,9 +178,7 @@ private slots:
         const int told = qEnvironmentVariableIntValue("DESKTOP_DPI");
         if (told > 0)
             QCOMPARE(qApp->devicePixelRatio(), told / 96.0);
-        QFile file(QStringLiteral(":/qss/main.qss"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        qApp->setStyleSheet(QString::fromUtf8(file.readAll()));
+        qApp->setStyleSheet(QString::fromUtf8(contentOf(QStringLiteral(":/qss/main.qss"))));
         QApplication::setFont(QApplication::font());
 
         m_service = std::make_unique<TessaPort>();

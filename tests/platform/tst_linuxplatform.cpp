@@ -5,6 +5,7 @@
 #include "platform/LastInput.h"
 #include "platform/Processes.h"
 #include "platform/StartupEntry.h"
+#include "support/Files.h"
 #include "support/TestMain.h"
 
 #include <QGuiApplication>
@@ -30,11 +31,10 @@ private:
 /// A new executable file.
 QString LinuxPlatformTest::write(const QString& name, const QByteArray& content)
 {
-    QFile file(QDir::home().filePath(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("can't write a file");
-    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    return file.fileName();
+    const QString path = QDir::home().filePath(name);
+    writeFile(path, content);
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    return path;
 }
 
 void LinuxPlatformTest::runningScript()
@@ -76,12 +76,11 @@ void LinuxPlatformTest::startupEntryFile()
         platform::setStartupEntry(name, QStringLiteral("/elsewhere"));
         platform::setStartupEntry(name, QString::fromUtf8(path));
         QCOMPARE(platform::startupEntry(name), QString::fromUtf8(path));
-        QFile file(
-            QDir::home().filePath(QStringLiteral(".config/autostart/Team-Monitor-1.0.desktop")));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QList<QByteArray> lines = file.readAll().split('\n');
+        const QString entry =
+            QDir::home().filePath(QStringLiteral(".config/autostart/Team-Monitor-1.0.desktop"));
+        const QList<QByteArray> lines = contentOf(entry).split('\n');
         QVERIFY2(lines.contains(tryExec) && lines.contains(exec), exec);
-        QCOMPARE(QProcess::execute(QStringLiteral("desktop-file-validate"), {file.fileName()}), 0);
+        QCOMPARE(QProcess::execute(QStringLiteral("desktop-file-validate"), {entry}), 0);
     }
     platform::removeStartupEntry(name);
     QCOMPARE(platform::startupEntry(name), QString());

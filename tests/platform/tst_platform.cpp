@@ -3,6 +3,7 @@
 #include "platform/InputTick.h"
 #include "platform/KeyTable.h"
 #include "platform/Processes.h"
+#include "support/Files.h"
 #include "support/TestMain.h"
 
 #include <QProcess>
@@ -79,10 +80,6 @@ void PlatformTest::runningByExactName()
 void PlatformTest::filesOnDisk()
 {
     const auto path = [](const char* name) { return QDir::home().filePath(QLatin1String(name)); };
-    const auto content = [](const QString& name) {
-        QFile file(name);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
-    };
     QVERIFY(platform::writeToDisk(path("old"), "longer").succeeded());
     QVERIFY(platform::writeToDisk(path("old"), "old").succeeded());
     QVERIFY(platform::writeToDisk(path("new"), "new").succeeded());
@@ -90,13 +87,13 @@ void PlatformTest::filesOnDisk()
 
     const platform::FileOutcome taken = platform::renameToFreeName(path("new"), path("old"));
     QVERIFY(taken.isNameTaken && !taken.succeeded());
-    QCOMPARE(content(path("old")), QByteArray("old"));
-    QCOMPARE(content(path("new")), QByteArray("new"));
+    QCOMPARE(contentOf(path("old")), QByteArray("old"));
+    QCOMPARE(contentOf(path("new")), QByteArray("new"));
 
     const platform::FileOutcome missing = platform::renameToFreeName(path("gone"), path("free"));
     QVERIFY(!missing.isNameTaken && !missing.succeeded());
     QVERIFY(platform::renameToFreeName(path("new"), path("free")).succeeded());
-    QCOMPARE(content(path("free")), QByteArray("new"));
+    QCOMPARE(contentOf(path("free")), QByteArray("new"));
     QVERIFY(!QFile::exists(path("new")));
 }
 

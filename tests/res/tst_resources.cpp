@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "res/Resources.h"
+#include "support/Files.h"
 #include "support/TestMain.h"
 
 #include <QApplication>
@@ -22,9 +23,7 @@ QSet<QString> namedResources()
             {QStringLiteral("*.cpp"), QStringLiteral("*.ui"), QStringLiteral("*.qss")}, QDir::Files,
             QDirIterator::Subdirectories);
         while (files.hasNext()) {
-            QFile file(files.next());
-            file.open(QIODevice::ReadOnly);
-            auto match = name.globalMatch(QString::fromUtf8(file.readAll()));
+            auto match = name.globalMatch(QString::fromUtf8(contentOf(files.next())));
             while (match.hasNext())
                 names.insert(match.next().captured());
         }
@@ -54,9 +53,7 @@ private slots:
         installFonts();
         QCOMPARE(QFontInfo(QApplication::font()).family(), QStringLiteral("PT Sans"));
         QVERIFY(QFontDatabase().styles(QStringLiteral("PT Sans")).contains(QStringLiteral("Bold")));
-        QFile file(QStringLiteral(":/qss/main.qss"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        qApp->setStyleSheet(QString::fromUtf8(file.readAll()));
+        qApp->setStyleSheet(QString::fromUtf8(contentOf(QStringLiteral(":/qss/main.qss"))));
     }
 
     // On a scaled screen, too.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ServiceTest.h"
 #include "service/ServiceAddress.h"
+#include "support/Files.h"
 #include "support/Notices.h"
 #include "support/TestMain.h"
 
@@ -94,11 +95,7 @@ private slots:
         for (const auto& [name, age] :
              {std::pair("unfinished.old", 61), std::pair("unfinished.new", 50),
               std::pair("../session.ini.qWeRtY", 61), std::pair("../../update.json.qWeRtY", 61)}) {
-            write(name, {});
-            QFile file(directory().filePath(QLatin1String(name)));
-            QVERIFY(file.open(QIODevice::ReadWrite));
-            QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(-age),
-                                     QFileDevice::FileModificationTime));
+            writeFile(directory().filePath(QLatin1String(name)), {}, age);
         }
         QSignalSpy loginOk(&client(), &TessaPort::loginOk);
         client().login(QStringLiteral("demo@example.com"), QStringLiteral("demo"));
@@ -116,9 +113,7 @@ private:
 
     void write(const char* name, const QByteArray& content)
     {
-        QFile file(directory().filePath(QLatin1String(name)));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(content);
+        writeFile(directory().filePath(QLatin1String(name)), content);
     }
 
     /// A picture's report that waits, by what else there is in it, and the picture.

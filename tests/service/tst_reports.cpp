@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ServiceTest.h"
 #include "service/ServiceAddress.h"
+#include "support/Files.h"
 #include "support/TestMain.h"
 
 #include <QApplication>
@@ -54,11 +55,7 @@ private slots:
         session().setTeamID(QStringLiteral("17"));
         session().setTaskID(QStringLiteral("я&5"));
         client().sendActivity(7);
-        QFile file(directory().filePath(waiting().value(0)));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QByteArray content = file.readAll();
-        // On Windows nobody else can remove it meanwhile.
-        file.close();
+        const QByteArray content = contentOf(directory().filePath(waiting().value(0)));
         const QString form = QStringLiteral(
             R"(\{"api-url":"%1/api_active2","body":\{"active":"7","email":"demo@example.com",)"
             R"("past":"0","task_id":"я&5","team_id":"17","version":"1.1.0"\},)"
@@ -199,7 +196,7 @@ private slots:
         QTRY_VERIFY(waiting().isEmpty());
 
         QVERIFY(QDir(path).removeRecursively());
-        QVERIFY(QFile(path).open(QIODevice::WriteOnly));
+        writeFile(path, {});
         client().sendActivity(1);
         QVERIFY(!QFile::exists(path));
     }
@@ -224,7 +221,7 @@ private slots:
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QLatin1String(warning)));
         };
         QVERIFY(directory().removeRecursively());
-        QVERIFY(QFile(directory().path()).open(QIODevice::WriteOnly));
+        writeFile(directory().path(), {});
         expect("Screenshot can't be written: +\"Not a directory|can't be written");
         client().sendScreenshot(picture);
         QTRY_COMPARE(standIn().confirmedRecords().size(), 1);
@@ -245,9 +242,8 @@ private slots:
         QVERIFY(QFile::remove(directory().path()));
         standIn().stop();
         QTRY_COMPARE(waiting().size(), 1);
-        QFile file(directory().filePath(waiting().value(0)));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QVERIFY(file.readAll().contains(R"("active":"6")"));
+        const QByteArray report = contentOf(directory().filePath(waiting().value(0)));
+        QVERIFY(report.contains(R"("active":"6")"));
     }
 
 private:
@@ -258,9 +254,7 @@ private:
     QStringList waiting() { return directory().entryList({QStringLiteral("json*")}); }
     void write(const QString& name, const QByteArray& content)
     {
-        QFile file(directory().filePath(name));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(content);
+        writeFile(directory().filePath(name), content);
     }
 };
 

@@ -2,6 +2,7 @@
 #include "service/ReportFile.h"
 #include "service/ServiceReply.h"
 #include "service/WaitingReports.h"
+#include "support/Files.h"
 #include "support/TestMain.h"
 
 #include <QTextCodec>
@@ -119,9 +120,7 @@ private slots:
         QVERIFY(path.startsWith(directory + QStringLiteral("/json03-05-2020-08-04-09.")));
         QVERIFY(!ReportFile::write(directory, report).isEmpty());
         QCOMPARE(QDir(directory).entryList(QDir::Files).size(), 2);
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(),
+        QCOMPARE(contentOf(path),
                  QByteArray(R"({"api-url":"u","body":{},"timestamp":"03-05-2020-08-04-09",)"
                             R"("version":"0.1"})"));
     }
@@ -132,12 +131,7 @@ private slots:
         const QDir directory(home.path());
         const auto write = [&directory](const QString& name, const QByteArray& content,
                                         bool isOld) {
-            QFile file(directory.filePath(name));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write(content);
-            file.flush();
-            QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(isOld ? -70 : -50),
-                                     QFile::FileModificationTime));
+            writeFile(directory.filePath(name), content, isOld ? 70 : 50);
         };
         write(QStringLiteral("unfinished.1"), {}, true);
         write(QStringLiteral("unfinished.2"), {}, false);
@@ -158,9 +152,6 @@ private slots:
     {
         QTemporaryDir home;
         const auto path = [&home](const char* name) { return home.filePath(QLatin1String(name)); };
-        const auto write = [](const QString& file) {
-            QVERIFY(QFile(file).open(QIODevice::WriteOnly));
-        };
         WaitingReports reports;
         QVERIFY(QDir().mkpath(path("json03/not to be removed like a file")));
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("can't be removed")));
@@ -169,9 +160,9 @@ private slots:
         QVERIFY(QDir(path("json03")).removeRecursively());
 
         for (const char* name : {"json28", "JSON05", "json03", "unfinished.json"})
-            write(path(name));
+            writeFile(path(name), {});
         QCOMPARE(reports.next(home.path()), path("JSON05"));
-        write(path("json01"));
+        writeFile(path("json01"), {});
         QCOMPARE(reports.next(home.path()), path("json28"));
         QCOMPARE(reports.next(home.path()), QString());
         QCOMPARE(reports.next(home.path()), path("json01"));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "notifications/NotificationManager.h"
 #include "session/Session.h"
+#include "support/Files.h"
 #include "support/TestMain.h"
 
 #include <QApplication>
@@ -20,24 +21,9 @@ QString dataPath(const QString& name = QString())
     return QDir::homePath() + QStringLiteral("/.tessaport") + name;
 }
 
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly | QIODevice::Text) ? file.readAll()
-                                                            : QByteArray("no file");
-}
-
 QByteArray fixture(const QString& name)
 {
     return contentOf(QStringLiteral(TEST_SOURCE_DIR "/fixtures") + name);
-}
-
-void writeFile(const QString& path, const QByteArray& content)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(content);
 }
 
 QString dayOf(const QDate& date)

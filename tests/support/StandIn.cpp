@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/StandIn.h"
+#include "support/Files.h"
 
 #include "support/StandInProcess.h"
 
@@ -40,12 +41,6 @@ bool waitUntil(const std::function<bool()>& isTrue, int milliseconds)
     return true;
 }
 
-QByteArray fileContent(const QString& name)
-{
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 } // namespace
 
 QJsonObject SeenRequest::record() const
@@ -68,7 +63,7 @@ StandIn::~StandIn()
 
 QJsonObject StandIn::demoData()
 {
-    return QJsonDocument::fromJson(fileContent(QStringLiteral(STANDIN_DEMO_DATA))).object();
+    return QJsonDocument::fromJson(contentOf(QStringLiteral(STANDIN_DEMO_DATA))).object();
 }
 
 bool StandIn::isRunning() const
@@ -127,7 +122,7 @@ QVector<SeenRequest> StandIn::requests(const QString& path) const
 {
     QVector<SeenRequest> result;
     const QString logName = QDir(storeDir()).filePath(QStringLiteral("requests.jsonl"));
-    const QList<QByteArray> lines = fileContent(logName).split('\n');
+    const QList<QByteArray> lines = contentOf(logName).split('\n');
     for (const QByteArray& line : lines) {
         const QJsonObject seen = QJsonDocument::fromJson(line).object();
         if (seen.isEmpty() || (!path.isEmpty() && seen[QLatin1String("path")].toString() != path))
@@ -152,7 +147,7 @@ QJsonArray StandIn::confirmedRecords() const
     const QDir store(storeDir());
     const QStringList names = store.entryList({QStringLiteral("*.json")}, QDir::Files, QDir::Name);
     for (const QString& name : names)
-        result.append(QJsonDocument::fromJson(fileContent(store.filePath(name))).object());
+        result.append(QJsonDocument::fromJson(contentOf(store.filePath(name))).object());
     return result;
 }
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/Files.h"
 #include "update/UpdateState.h"
 
 #include "notifications/NotificationManager.h"
@@ -54,7 +55,8 @@ private slots:
         const QString path = dataDir().filePath(QStringLiteral("update.json"));
         m_state.setUpdateInfo(R"([{"version":"1.2.0"}])");
         QVERIFY(!m_state.forceUpdate());
-        write(path, read(path) + "forceUpdate=true\nupdateAtStartup=true\nwasUpdated=true\n");
+        writeFile(path,
+                  contentOf(path) + "forceUpdate=true\nupdateAtStartup=true\nwasUpdated=true\n");
         QVERIFY(m_state.forceUpdate() && m_state.updateAtStartup() && m_state.wasUpdated());
         QCOMPARE(m_state.latestVersion(), QStringLiteral("1.2.0"));
 
@@ -63,7 +65,7 @@ private slots:
         QVERIFY(!m_state.forceUpdate());
         for (const char* line :
              {"\nforceUpdate=false", "\nwasUpdated=false", "\nupdateAtStartup=true"})
-            QVERIFY2(read(path).contains(line), line);
+            QVERIFY2(contentOf(path).contains(line), line);
     }
 
     void leavesOutDamagedValue()
@@ -73,7 +75,7 @@ private slots:
         for (const char* value :
              {R"(@Variant(\0\0\0\x\t\x7f\xff\xff\xf0))", R"(a, @Variant(\0\0\0\v\x7f\0\0\0))",
               R"(@DateTime(\0\0\0\t\0\0\x7f\xff\xff))"}) {
-            write(path, QByteArray("forceUpdate=true\nupdateInfo=") + value);
+            writeFile(path, QByteArray("forceUpdate=true\nupdateInfo=") + value);
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("is left out")));
             QVERIFY(m_state.forceUpdate() && m_state.updateInfo().isEmpty());
         }
@@ -89,9 +91,9 @@ private slots:
 
         QVERIFY(dropDirectory.mkpath(QStringLiteral(".")));
         for (const QByteArray& program : {QByteArray("first"), QByteArray("second")}) {
-            write(drop, program);
+            writeFile(drop, program);
             m_state.installUpdate();
-            QCOMPARE(read(updateProgram), program);
+            QCOMPARE(contentOf(updateProgram), program);
             QVERIFY(!QFile::exists(drop));
             // A replacement adds none to the one of the first installation.
             QCOMPARE(shownNotices(),
@@ -100,29 +102,16 @@ private slots:
 
         // A directory withstands the removal of a file, also by the superuser.
         QVERIFY(QFile::remove(updateProgram) && QDir().mkdir(updateProgram));
-        write(drop, "third");
+        writeFile(drop, "third");
         const QString line =
             QStringLiteral("Error! Can't remove file  \"TPMC-update.exe\"  from  \"%1\"");
         QTest::ignoreMessage(QtDebugMsg, qPrintable(line.arg(dropDirectory.path())));
         m_state.installUpdate();
-        QCOMPARE(read(drop), QByteArray("third"));
+        QCOMPARE(contentOf(drop), QByteArray("third"));
         QCOMPARE(shownNotices().size(), 1);
     }
 
 private:
-    static void write(const QString& path, const QByteArray& content)
-    {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(file.write(content), content.size());
-    }
-
-    static QByteArray read(const QString& path)
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-
     UpdateState& m_state = *UpdateState::instance();
 };
 
