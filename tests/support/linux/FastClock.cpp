@@ -10,7 +10,18 @@
 
 namespace {
 
-long millisecondsAhead = 0;
+long nanosecondsAhead = 0;
+/// What the two clocks that Qt asks for showed when passTime() began, which lets none of its own
+/// time count.
+long frozen[2];
+bool isFrozen = false;
+
+long systemTime(clockid_t clock)
+{
+    timespec time = {};
+    syscall(SYS_clock_gettime, clock, &time);
+    return time.tv_sec * 1000000000 + time.tv_nsec;
+}
 
 } // namespace
 
@@ -19,13 +30,11 @@ long millisecondsAhead = 0;
 
 extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept
 {
-    const long result = syscall(SYS_clock_gettime, clock, time);
-    if (gettid() != getpid())
-        return int(result);
-    const long nanoseconds = time->tv_nsec + millisecondsAhead % 1000 * 1000000;
-    time->tv_sec += millisecondsAhead / 1000 + nanoseconds / 1000000000;
-    time->tv_nsec = nanoseconds % 1000000000;
-    return int(result);
+    if (gettid() != getpid() || (clock != CLOCK_REALTIME && clock != CLOCK_MONOTONIC))
+        return int(syscall(SYS_clock_gettime, clock, time));
+    const long nanoseconds = (isFrozen ? frozen[clock] : systemTime(clock)) + nanosecondsAhead;
+    *time = {nanoseconds / 1000000000, nanoseconds % 1000000000};
+    return 0;
 }
 
 extern "C" int gettimeofday(timeval* time, void*) noexcept
@@ -38,8 +47,13 @@ extern "C" int gettimeofday(timeval* time, void*) noexcept
 
 void passTime(int milliseconds, int step)
 {
+    for (const clockid_t clock : {CLOCK_REALTIME, CLOCK_MONOTONIC})
+        frozen[clock] = systemTime(clock);
+    isFrozen = true;
     for (int passed = 0; passed < milliseconds; passed += step) {
-        millisecondsAhead += step;
+        nanosecondsAhead += step * 1000000L;
         QCoreApplication::processEvents();
     }
+    nanosecondsAhead -= systemTime(CLOCK_MONOTONIC) - frozen[CLOCK_MONOTONIC];
+    isFrozen = false;
 }
