@@ -17,15 +17,16 @@ constexpr quint32 longestHoldUp = 60 * 60 * 1000;
 
 } // namespace
 
-void InputTick::update(quint32 reading)
+bool InputTick::update(quint32 reading)
 {
     if (m_value) {
         const quint32 ahead = reading - *m_value;
         const quint32 behind = *m_value - reading;
         if (ahead <= jitter || behind <= longestHoldUp)
-            return;
+            return false;
     }
     m_value = reading;
+    return true;
 }
 
 } // namespace platform

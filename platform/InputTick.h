@@ -12,8 +12,8 @@ namespace platform {
 /// Milliseconds of a 32-bit clock that wraps.
 class InputTick {
 public:
-    /// Takes a reading, which may be too early but never too late.
-    void update(quint32 reading);
+    /// Takes a reading, which may be too early but never too late. Whether the tick has moved.
+    bool update(quint32 reading);
 
     /// 0 before the first reading.
     quint32 value() const { return m_value.value_or(0); }
