@@ -21,7 +21,8 @@ public:
     std::optional<QString> answer() const;
 
     /// The arguments for the application object: those of main() behind a choice of the plugin with
-    /// which Qt is to meet the display, if the system asks for one. Those behind it overrule it.
+    /// which Qt is to meet the display, if the system asks for one, and of no theme in place of one
+    /// that the environment names. Those behind it overrule it.
     int& count() { return m_count; }
     char** values() { return m_values.data(); }
 

@@ -44,6 +44,8 @@ void tellOfOtherInstance()
     QMessageBox message(
         QMessageBox::Critical, QCoreApplication::applicationName(),
         QStringLiteral("Только одна копия программы может быть одновременно запущена."));
+    // So do the windows of the other copy.
+    message.setWindowFlag(Qt::WindowStaysOnTopHint);
     message.exec();
 }
 

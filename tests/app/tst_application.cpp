@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Application.h"
+#include "app/CommandLine.h"
 #include "app/Log.h"
 #include "platform/WindowSystem.h"
 #include "support/Files.h"
@@ -7,8 +8,10 @@
 
 #include <QDialog>
 #include <QFontInfo>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPainter>
 #include <QScreen>
 
@@ -35,21 +38,21 @@ protected:
     }
 };
 
-/// The application on a desktop whose theme has a font of its own.
+/// The application on a desktop that has a font of its own, and a theme that brings another one.
 class ThemedApplication : public Application {
 public:
     ThemedApplication(int& argc, char** argv)
-        : Application(withTheme(argc), argv)
+        : Application(themed(argc, argv).count(), themed(argc, argv).values())
     {
     }
 
 private:
-    static int& withTheme(int& argc)
+    static CommandLine& themed(int argc, char** argv)
     {
-        writeFile(QDir::home().filePath(QStringLiteral(".config/qt5ct/qt5ct.conf")),
-                  "[Fonts]\ngeneral=\"DejaVu Serif,18,-1,5,50,0,0,0,0,0\"\n");
+        qputenv("XDG_CURRENT_DESKTOP", "GNOME");
         qputenv("QT_QPA_PLATFORMTHEME", "qt5ct");
-        return argc;
+        static CommandLine commandLine(argc, argv);
+        return commandLine;
     }
 };
 
@@ -106,6 +109,12 @@ private slots:
         QCOMPARE(QApplication::palette().color(QPalette::Window), QColor(0xF5, 0xF3, 0xEE));
         QVERIFY(!QApplication::windowIcon().isNull());
         QVERIFY(!QDialog().windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
+        // The theme that was asked for would tell anything.
+        QMessageBox message(QMessageBox::Critical, {}, QStringLiteral("Ошибка"));
+        message.show();
+        QCOMPARE(QApplication::doubleClickInterval(), 400);
+        for (const QLabel* label : message.findChildren<QLabel*>())
+            QCOMPARE(QFontInfo(label->font()).family(), QStringLiteral("PT Sans"));
         QLineEdit field;
         const std::unique_ptr<QMenu> menu(field.createStandardContextMenu());
         QVERIFY(menu->actions().constFirst()->text().startsWith(QStringLiteral("&Отменить")));
