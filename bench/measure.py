@@ -11,7 +11,7 @@ import sys
 import tempfile
 from pathlib import Path
 
-sys.path.append(str(Path(__file__).resolve().parents[1] / "tests/torture"))
+sys.path.append(str(Path(__file__).resolve().parents[1] / "tests"))
 from lab import Build  # noqa: E402
 from wholeprogram import FLOOR, OFFLINE, RUNNING, STOPPED, measure  # noqa: E402
 

@@ -12,8 +12,8 @@ import time
 from contextlib import closing, contextmanager, suppress
 from pathlib import Path
 
-sys.path.append(str(Path(__file__).resolve().parents[1] / "tests/torture"))
-from lab import USER, Broken, Home, Service, expect, wait_until  # noqa: E402
+sys.path.append(str(Path(__file__).resolve().parents[1] / "tests"))
+from lab import USER, Broken, Service, expect, wait_until, write_ini  # noqa: E402
 
 STRIP_SIZE = ("392", "73")
 FLOOR, STOPPED, RUNNING, OFFLINE = STATES = ("floor", "stopped", "running", "offline")
@@ -65,7 +65,7 @@ class Start:
         self.home = Path(tempfile.mkdtemp(prefix="bench-home-"))
         self.user = self.home / ".tessaport" / USER
         self.user.mkdir(parents=True, mode=0o700)
-        Home.write_ini(self.user.parent / "config.ini", lastLogin=USER)
+        write_ini(self.user.parent / "config.ini", lastLogin=USER)
         self._write_session(self.user, STOPPED)
         log = self.user.parent / "log.log"
         with self._process(build.monitor, self.home):
@@ -74,8 +74,8 @@ class Start:
 
     @staticmethod
     def _write_session(user, state):
-        Home.write_ini(user / "session.ini", password="demo", logged="true", teamID="1507",
-                       taskID="48211", active="false" if state == STOPPED else "true")
+        write_ini(user / "session.ini", password="demo", logged="true", teamID="1507",
+                  taskID="48211", active="false" if state == STOPPED else "true")
 
     @staticmethod
     @contextmanager

@@ -8,9 +8,9 @@ import re
 import signal
 import time
 from concurrent.futures import ThreadPoolExecutor
-from contextlib import closing
 
-from lab import REPORT_PATHS, Broken, Home, Service, expect, wait_until
+from attacked import Home
+from lab import REPORT_PATHS, Broken, Service, expect, wait_until
 
 MINUTE = 60
 
@@ -63,7 +63,7 @@ class Trial:
     def run(self, build, service):
         name = type(self).__name__
         clock = SetClock(self.start, self.zone)
-        with closing(Home(build, clock, task=name)) as home:
+        with Home(build, clock, task=name) as home:
             clock.bind(home)
             home.away.touch()
             monitor = home.start()
@@ -145,7 +145,7 @@ TRIALS = (BackAnHour, AheadADay, EndOfSummer, StartOfSummer, Sleep)
 
 
 def run(build, options):
-    with closing(Service(build)) as service, ThreadPoolExecutor(len(TRIALS)) as pool:
+    with Service(build) as service, ThreadPoolExecutor(len(TRIALS)) as pool:
         # The day's counters are the program's own here.
         service.fail("/api_get_active", "refuse")
 

@@ -6,13 +6,11 @@ import json
 import struct
 import subprocess
 import time
-from contextlib import closing
 
-from lab import Clock, Home, Service, click, expect, wait_until
+from attacked import Home
+from lab import PICKER, STRIP, Clock, Service, click, expect, press, wait_until
 from ledger import Ledger
 
-STRIP = "Tessaport"
-PICKER = "Задачи"
 PICKER_BUTTON, LIST_WORD = (80, 40), (90, 18)
 
 
@@ -54,9 +52,9 @@ class Day:
             task["last_comment"] = f"{self.now():%Y-%m-%d %H:%M:%S}"
         self.service.set_data(self.data)
         self.monitor.click(STRIP, *PICKER_BUTTON)
-        wait_until(lambda: PICKER in self.monitor.windows(), "the picker opens")
-        subprocess.run(["xdotool", "key", "Escape"], check=True)
-        wait_until(lambda: PICKER not in self.monitor.windows(), "the picker closes")
+        self.monitor.wait_for(PICKER)
+        press("Escape")
+        self.monitor.wait_for_gone(PICKER)
         for is_open in (True, False):
             self.monitor.click(STRIP, *LIST_WORD)
             wait_until(lambda: self.has_list() == is_open, "the list opens and closes")
@@ -80,7 +78,7 @@ def run(build, options):
     hours = (options.count or 1) * 24
     days_offline = 0 if options.short else 7
     clock = Clock(speed=options.speed)
-    with closing(Service(build)) as service, closing(Home(build, clock)) as home:
+    with Service(build) as service, Home(build, clock) as home:
         service.fail("/api_get_active", "refuse")
         day = Day(build, service, home)
         seen = []

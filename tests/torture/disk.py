@@ -1,12 +1,13 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """A full disk, a folder that may not be written, folders that vanish, another user's sign-in."""
 
+import os
 import shutil
 import subprocess
 import sys
-from contextlib import closing
 
-from lab import ACTIVITY, USER, Broken, Build, Clock, Home, Service, expect, wait_until
+from attacked import Home
+from lab import ACTIVITY, USER, Broken, Build, Clock, Service, expect, wait_until
 from ledger import Ledger
 
 OTHER = "anna@example.com"
@@ -94,30 +95,14 @@ def vanishing(home, service):
     return Ledger(home, service).check()
 
 
-def keys(*names):
-    subprocess.run(["xdotool", "key", "--delay", "100", *names], check=True)
-
-
-def sign_in_is_open(monitor):
-    if "Авторизация" in monitor.windows():
-        return True
-    # The entry of the open menu that changes the account.
-    keys("Down", "Down", "Down", "Return")
-    return False
-
-
 def other_account(home, service):
     """What is in flight for one user is neither sent as another's nor lost."""
     monitor = home.start()
     home.wait_for_minutes(1)
     service.fail(ACTIVITY, "hang")
     home.wait_for_minutes(3)
-    monitor.click("Tessaport", 348, 10)
-    wait_until(lambda: sign_in_is_open(monitor), "the sign-in window opens")
-    subprocess.run(["xdotool", "type", OTHER], check=True)
-    keys("Tab")
-    subprocess.run(["xdotool", "type", "demo"], check=True)
-    keys("Return")
+    monitor.choose_from_menu("Down", "Down", "Down", "Return")
+    monitor.sign_in(OTHER, "demo")
     home.wait_for_log(f'Login as  "{OTHER}"')
     service.succeed(ACTIVITY)
     wait_until(lambda: not home.reports(), "what was in flight is confirmed")
@@ -129,8 +114,7 @@ def other_account(home, service):
 
 
 def try_out(build, attack):
-    with closing(Service(build)) as service, \
-            closing(Home(build, Clock(speed=60), task=attack.__name__)) as home:
+    with Service(build) as service, Home(build, Clock(speed=60), task=attack.__name__) as home:
         service.fail("/api_get_active", "refuse")
         return f"{attack.__name__}: {attack(home, service)}"
 
@@ -140,7 +124,8 @@ def run(build, _options):
     # A disk of its own, in a namespace that goes with the process.
     command = ["unshare", "--user", "--map-root-user", "--mount", sys.executable, __file__,
                str(build.folder)]
-    full = subprocess.run(command, capture_output=True, text=True, check=False)
+    full = subprocess.run(command, capture_output=True, text=True, check=False,
+                          env={**os.environ, "PYTHONPATH": os.pathsep.join(sys.path)})
     expect(full.returncode == 0, (full.stdout + full.stderr).strip())
     return "; ".join([*told, full.stdout.strip()])
 

@@ -5,9 +5,9 @@ import datetime
 import random
 import signal
 import time
-from contextlib import closing
 
-from lab import Clock, Home, Service, expect, wait_until
+from attacked import Home
+from lab import Clock, Service, expect, wait_until
 from ledger import Ledger
 
 KEYS = ("password", "logged", "active", "teamID", "taskID", "worktimeDate", "todayWorktime")
@@ -38,7 +38,7 @@ def run(build, options):
     chance = random.Random(options.seed)
     # From now on, since the ages of files go by the real clock.
     clock = Clock(speed=30, start=datetime.datetime.utcnow())
-    with closing(Service(build)) as service, closing(Home(build, clock, task="kill-0")) as home:
+    with Service(build) as service, Home(build, clock, task="kill-0") as home:
         # The day's counters are the program's own here.
         service.fail("/api_get_active", "refuse")
         for number in range(kills):

@@ -5,9 +5,9 @@ import errno
 import random
 import re
 from concurrent.futures import ThreadPoolExecutor
-from contextlib import closing
 
-from lab import Broken, Clock, Home, Service, expect, wait_until
+from attacked import Home
+from lab import Broken, Clock, Service, expect, wait_until
 from ledger import Ledger
 
 HOWS = (str(errno.ENOSPC), str(errno.EIO), str(errno.EACCES), "kill")
@@ -29,7 +29,7 @@ class Trial:
         return f"{self.at}-{self.how}-{'away' if self.is_away else 'online'}"
 
     def run(self):
-        with closing(Home(self.build, Clock(SPEED), task=self.name)) as home:
+        with Home(self.build, Clock(SPEED), task=self.name) as home:
             try:
                 self._start(home, minutes=2, pictures=1, is_away=self.is_away)
                 self._start(home, minutes=3, pictures=2)
@@ -92,7 +92,7 @@ class Trial:
 def kind(operation):
     """The same for the same operation on the same sort of file."""
     _, name, path = operation.split(maxsplit=2)
-    return name, re.sub(r".*/torture-home-[^/]*|#?\d[^/]*|\.\w{6}$", "", path)
+    return name, re.sub(r".*/home-[^/]*|#?\d[^/]*|\.\w{6}$", "", path)
 
 
 def all_cases(operations, chance):
@@ -112,7 +112,7 @@ def all_cases(operations, chance):
 
 
 def run(build, options):
-    with closing(Service(build)) as service:
+    with Service(build) as service:
         service.fail("/api_get_active", "refuse")
         plain = Trial(build, service)
         plain.run()

@@ -4,9 +4,9 @@
 import json
 import os
 import time
-from contextlib import closing
 
-from lab import ACTIVITY, USER, Clock, Home, Service, expect, wait_until
+from attacked import Home
+from lab import ACTIVITY, USER, Clock, Service, expect, wait_until
 from ledger import Ledger
 
 
@@ -62,7 +62,7 @@ def unreadable(home):
 
 
 def try_out(build, service, prepare):
-    with closing(Home(build, Clock(speed=60), task=prepare.__name__)) as home:
+    with Home(build, Clock(speed=60), task=prepare.__name__) as home:
         check = prepare(home)
         monitor = home.start()
         home.wait_for_minutes(3)
@@ -75,7 +75,7 @@ def try_out(build, service, prepare):
 
 def thousands(build, service, count):
     """The whole backlog goes out, each once, and the last as fast as the first."""
-    with closing(Home(build, Clock(speed=1), task="thousands")) as home:
+    with Home(build, Clock(speed=1), task="thousands") as home:
         for number in range(count):
             task = f"old-{number}"
             (home.activity / f"json13-05-2024-08-00-00.{number:06}").write_text(
@@ -105,7 +105,7 @@ def thousands(build, service, count):
 
 
 def run(build, options):
-    with closing(Service(build)) as service:
+    with Service(build) as service:
         told = [try_out(build, service, prepare)
                 for prepare in (bad_files, odd_entries, refused, unreadable)]
         told.append(thousands(build, service, 200 if options.short else options.count or 10000))

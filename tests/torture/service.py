@@ -1,13 +1,12 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The service misbehaves in each way it can, on each path, and then answers rightly again."""
 
-from contextlib import closing
 
-from lab import ACTIVITY, PATHS, REPORT_PATHS, Clock, Home, Service, expect, wait_until
+from attacked import Home
+from lab import (ACTIVITY, PATHS, PLAY_BUTTON, REPORT_PATHS, STRIP, Clock, Service, expect,
+                 wait_until)
 from ledger import Ledger
 
-STRIP = "Tessaport"
-PLAY_BUTTON = (210, 15, 40, 40)
 # The mode, and whether it is a failure of the network: with a bad answer the service is there.
 MODES = {"refuse": False, "garbage": False, "html": False, "database": False, "answer": False,
          "delay": False, "hang": False, "status500": True, "drop-before": True,
@@ -17,7 +16,7 @@ MODES = {"refuse": False, "garbage": False, "html": False, "database": False, "a
 class Attack:
     def __init__(self, service, home, monitor):
         self.service, self.home, self.monitor = service, home, monitor
-        wait_until(lambda: STRIP in monitor.windows(), "the strip is shown")
+        monitor.wait_for(STRIP)
         self.settle("at first")
         self.online_look = self.look()
 
@@ -55,7 +54,7 @@ class Attack:
 
 
 def run(build, options):
-    with closing(Service(build)) as service, closing(Home(build, Clock(speed=60))) as home:
+    with Service(build) as service, Home(build, Clock(speed=60)) as home:
         attack = Attack(service, home, home.start())
         attack.outlast_silence()
         targets = [PATHS] if options.short else [PATHS, *((path,) for path in PATHS)]

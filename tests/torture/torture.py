@@ -7,8 +7,10 @@ import importlib
 import signal
 import sys
 import time
+from pathlib import Path
 
-from lab import Broken, Build
+sys.path.append(str(Path(__file__).resolve().parents[1]))
+from lab import Broken, Build  # noqa: E402
 
 ATTACKS = ("kills", "operations", "service", "poison", "disk", "clock", "day", "fuzz")
 
@@ -17,7 +19,8 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("attacks", nargs="*", metavar="attack", help=" ".join(ATTACKS))
     parser.add_argument("--short", action="store_true", help="the form for every change")
-    parser.add_argument("--count", type=int, help="how many: kills, failures, waiting reports, days or seconds of fuzzing")
+    parser.add_argument("--count", type=int, help="how many: kills, failures, waiting reports, "
+                        "days or seconds of fuzzing")
     parser.add_argument("--jobs", type=int, default=2, help="trials at the same time")
     parser.add_argument("--speed", type=int, default=120, help="of the clock of a day")
     parser.add_argument("--seed", type=int, default=1)
