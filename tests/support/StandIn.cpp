@@ -22,6 +22,7 @@
 namespace {
 
 constexpr int startTimeout = 30000;
+constexpr int requestTimeout = 10000;
 
 void runEventLoop(int milliseconds)
 {
@@ -30,9 +31,9 @@ void runEventLoop(int milliseconds)
     loop.exec();
 }
 
-bool waitUntil(const std::function<bool()>& isTrue, int milliseconds)
+bool waitUntil(const std::function<bool()>& isTrue)
 {
-    const QDeadlineTimer deadline(milliseconds);
+    const QDeadlineTimer deadline(requestTimeout);
     while (!isTrue()) {
         if (deadline.hasExpired())
             return false;
@@ -49,10 +50,9 @@ QJsonObject SeenRequest::record() const
     return QJsonDocument::fromJson(json).array().at(0).toObject();
 }
 
-StandIn::StandIn(const QJsonObject& data, int port)
-    : m_port(port)
+StandIn::StandIn()
 {
-    setData(data);
+    setData(demoData());
     start();
 }
 
@@ -151,14 +151,14 @@ QJsonArray StandIn::confirmedRecords() const
     return result;
 }
 
-bool StandIn::waitForRequests(const QString& path, int count, int milliseconds) const
+bool StandIn::waitForRequests(const QString& path, int count) const
 {
-    return waitUntil([&] { return requests(path).size() >= count; }, milliseconds);
+    return waitUntil([&] { return requests(path).size() >= count; });
 }
 
-bool StandIn::waitForRecords(int count, int milliseconds) const
+bool StandIn::waitForRecords(int count) const
 {
-    return waitUntil([&] { return confirmedRecords().size() >= count; }, milliseconds);
+    return waitUntil([&] { return confirmedRecords().size() >= count; });
 }
 
 void StandIn::stop()

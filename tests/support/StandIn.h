@@ -24,13 +24,12 @@ struct SeenRequest {
     QJsonObject record() const;
 };
 
-/// A running stand-in for the service, on a port of this machine, with data and a store of its own;
-/// gone with the object. Functions that wait or talk to it run a local event loop.
+/// A running stand-in for the service, on a free port of this machine, with data and a store of its
+/// own; gone with the object. Functions that wait or talk to it run a local event loop.
 class StandIn {
 public:
-    /// Starts it; see isRunning() for whether that went well. Without data, demoData(); port 0 is a
-    /// free one.
-    explicit StandIn(const QJsonObject& data = demoData(), int port = 0);
+    /// Starts it; see isRunning() for whether that went well.
+    StandIn();
     ~StandIn();
 
     /// The teams, tasks and account (demo@example.com, password demo) that it has built in.
@@ -40,9 +39,6 @@ public:
 
     /// Without a slash at its end, as "https://localhost:43210".
     QString url() const;
-    /// The folder with requests.jsonl and what was kept of each confirmed record.
-    QString storeDir() const;
-    QString dataFile() const;
 
     /// Changes the service: the next request is answered out of the new data.
     void setData(const QJsonObject& data);
@@ -65,23 +61,26 @@ public:
     /// it is answered.
     QVector<SeenRequest> requests(const QString& path = {}) const;
     /// What it confirmed, in order: each with "n", "kind" ("activity", "screenshot" or "deadline"),
-    /// "received", "time" and the "record"; of a screenshot "picture", a file in storeDir(), in the
+    /// "received", "time" and the "record"; of a screenshot "picture", a file of its own, in the
     /// place of the encoded one.
     QJsonArray confirmedRecords() const;
 
-    /// False when there are fewer by the end of the time.
-    bool waitForRequests(const QString& path, int count, int milliseconds = 10000) const;
-    bool waitForRecords(int count, int milliseconds = 10000) const;
+    /// False when there are fewer after ten seconds.
+    bool waitForRequests(const QString& path, int count) const;
+    bool waitForRecords(int count) const;
 
     /// The service goes away, and comes back at the same address with what it kept.
     void stop();
     bool start();
 
 private:
+    /// The folder with requests.jsonl and what was kept of each confirmed record.
+    QString storeDir() const;
+    QString dataFile() const;
     QByteArray control(const QByteArray& verb, const QString& pathAndQuery,
                        const QByteArray& body = {}) const;
 
     QTemporaryDir m_directory;
     std::unique_ptr<StandInProcess> m_process;
-    int m_port;
+    int m_port = 0; ///< 0 until it has chosen one
 };

@@ -1,11 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/StandInProcess.h"
 
-#include "support/BoundProcess.h"
-
 #include <QDeadlineTimer>
+#include <QProcess>
+
+#include <csignal>
+#include <sys/prctl.h>
 
 namespace {
+
+/// A process that ends with the test program, also when that is killed.
+class BoundProcess : public QProcess {
+protected:
+    void setupChildProcess() override { prctl(PR_SET_PDEATHSIG, SIGKILL); }
+};
 
 class ChildProcess : public StandInProcess {
 public:
