@@ -72,13 +72,14 @@ private slots:
             previous += message;
         };
         logMessageHandler(QtInfoMsg, m_context, QStringLiteral("nowhere"));
-        logMessageHandler(QtWarningMsg, m_context, QStringLiteral("two\nlines"));
+        for (const QtMsgType type : {QtWarningMsg, QtFatalMsg})
+            logMessageHandler(type, m_context, QStringLiteral("two\nlines"));
         previousMessageHandler = nullptr;
-        QCOMPARE(previous, QStringLiteral("two\nlines"));
+        QCOMPARE(previous, QStringLiteral("two\nlinestwo\nlines"));
         const QString text = QString::fromLocal8Bit(content());
         const QRegularExpression form(
             QStringLiteral(R"(^Message\(0\) at (\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ): )"
-                           R"(Monitor started\nMessage\(1\) at \S+Z: two\nlines\n$)"));
+                           R"(Monitor started(\nMessage\([13]\) at \S+Z: two\nlines){2}\n$)"));
         const QDateTime written = QDateTime::fromString(form.match(text).captured(1), Qt::ISODate);
         QVERIFY2(form.match(text).hasMatch(), qPrintable(text));
         QVERIFY2(qAbs(written.secsTo(QDateTime::currentDateTimeUtc())) < 60, qPrintable(text));

@@ -225,7 +225,7 @@ private slots:
         // The lowest goes, the others close the gap, the oldest that waits comes on top.
         shownNotices().constFirst()->fadeOut();
         QTRY_COMPARE(shownTexts(), QStringList(texts.mid(1, count)));
-        QVERIFY(standAbove(0));
+        QTRY_VERIFY(standAbove(0));
 
         // The bell lets a fading one be, whose end makes room for the first that waits.
         shownNotices().constFirst()->fadeOut();
@@ -251,7 +251,7 @@ private slots:
             const int height = visible ? 250 : 0;
             mainForm.setVisible(visible);
             QCOMPARE(shownTexts(), QStringList(texts.mid(0, room(height))));
-            QVERIFY(standAbove(height));
+            QTRY_VERIFY(standAbove(height));
         }
     }
 
@@ -262,7 +262,7 @@ private slots:
         QVERIFY(QTest::qWaitForWindowExposed(notice));
         notice->move(0, 0);
         manager()->raiseAll();
-        QVERIFY(standAbove(0));
+        QTRY_VERIFY(standAbove(0));
         QTRY_VERIFY(notice->isActiveWindow());
 
         manager()->toggle();
