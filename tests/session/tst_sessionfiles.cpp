@@ -286,6 +286,9 @@ private slots:
               R"(_, \100Variant(\0\0\0\v\x7f\xff\xff\xff), @@a)",
               "\\\n\\@\\200100Variant(\\0\\0\\0\\v\\x7f\\xff\\xff\\xff); @"})
             QTest::newRow(value) << QByteArray(value);
+        // A list in a list in a list, deeper than any stack.
+        QTest::newRow("nested") << "@Variant(" + QByteArray(R"(\0\0\0\t\0\0\0\x1)").repeated(200000)
+                + ')';
     }
 
     // One damaged value costs that value, and is told once.
