@@ -12,6 +12,7 @@ import tempfile
 from pathlib import Path
 
 sys.path.append(str(Path(__file__).resolve().parents[1] / "tests"))
+from draining import measure_draining  # noqa: E402
 from lab import Build  # noqa: E402
 from wholeprogram import FLOOR, OFFLINE, RUNNING, STOPPED, measure  # noqa: E402
 
@@ -24,6 +25,8 @@ WHOLE = (
     ("processor", "processor, % of a core", (RUNNING, OFFLINE), "figure", 0.40),
     ("wake-ups", "wake-ups a second", (STOPPED, RUNNING, OFFLINE), "figure", 25),
 )
+# The most that a waiting report may cost of its floor, and in milliseconds of the processor.
+DRAINING, DRAINING_WORK = 1.05, 2
 # The most that a part may cost of its floor, by the beginning of the benchmark's name.
 PARTS = {
     "scrollingTitle": 1.3,
@@ -73,6 +76,16 @@ def print_whole(build, options):
     if others:
         print(f"\nUp to {others} other programs with Qt ran meanwhile and took a part of what is "
               "shared: the memory is too low, and its ratio too high.")
+
+
+def print_draining(build, options):
+    counts, rounds = ((300,), 1) if options.short else ((300, 3000, 10000), 3)
+    for count, (floor, program, work) in measure_draining(build, counts, rounds).items():
+        ratio = statistics.median(program) / statistics.median(floor)
+        row(f"one of {count} waiting reports, ms", told(floor), told(program), f"{ratio:.2f}",
+            f"{DRAINING:g} times", remark(ratio <= DRAINING, max(spread(floor), spread(program))))
+        row(f"one of {count} waiting reports, ms of the processor", "", told(work), "",
+            f"{DRAINING_WORK:g}", remark(statistics.median(work) <= DRAINING_WORK, 0))
 
 
 def print_parts(build, options):
@@ -132,6 +145,7 @@ def main():
     row("---", "---", "---", "---", "---", "---")
     if options.only != "parts":
         print_whole(options.build, options)
+        print_draining(options.build, options)
     if options.only != "whole":
         print_parts(options.build, options)
     print_machine()
