@@ -6,17 +6,15 @@
 CommandLine::CommandLine(int argc, char* argv[])
     : m_option(argc > 1 ? argv[1] : "")
     , m_plugin(cleans() ? platform::displaylessPlugin() : platform::windowsPlugin())
+    , m_theme(platform::themePlugin())
     , m_values(argv, argv + argc)
 {
     static char platformOption[] = "-platform";
     static char themeOption[] = "-platformtheme";
-    static char noTheme[] = "none";
     if (!m_plugin.isEmpty() && argc > 0)
         m_values.insert(m_values.begin() + 1, {platformOption, m_plugin.data()});
-    // What a theme tells of the desktop's settings is made up by some of them (qt5ct) when a
-    // program does not want its fonts and colours, and Qt crashes over it.
-    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORMTHEME") && argc > 0)
-        m_values.insert(m_values.begin() + 1, {themeOption, noTheme});
+    if (!m_theme.isEmpty() && argc > 0)
+        m_values.insert(m_values.begin() + 1, {themeOption, m_theme.data()});
     m_count = int(m_values.size());
     m_values.push_back(nullptr);
 }

@@ -29,6 +29,7 @@ public:
 private:
     QByteArray m_option;
     QByteArray m_plugin;
+    QByteArray m_theme;
     std::vector<char*> m_values;
     int m_count;
 };

@@ -17,4 +17,8 @@ QByteArray windowsPlugin();
 /// display.
 QByteArray displaylessPlugin();
 
+/// What Qt is to take for the theme that the environment asks for, as its option "-platformtheme"
+/// names it. Empty where it does not ask.
+QByteArray themePlugin();
+
 } // namespace platform

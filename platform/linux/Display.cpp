@@ -27,3 +27,11 @@ QByteArray platform::displaylessPlugin()
 {
     return QByteArrayLiteral("minimal");
 }
+
+// What a theme tells of the desktop's settings is made up by some of them (qt5ct) when a program
+// does not want its fonts and colours, and Qt crashes over it. One of this name there is not.
+QByteArray platform::themePlugin()
+{
+    return qEnvironmentVariableIsSet("QT_QPA_PLATFORMTHEME") ? QByteArrayLiteral("none")
+                                                             : QByteArray();
+}

@@ -15,3 +15,8 @@ QByteArray platform::displaylessPlugin()
 {
     return {};
 }
+
+QByteArray platform::themePlugin()
+{
+    return {};
+}
