@@ -26,8 +26,8 @@ def main():
     parser.add_argument("--build", default="build/dev")
     options, others = parser.parse_known_args()
     Case.build = Build(options.build)
-    # So that what was started ends with it.
-    signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
+    # So that what was started ends with it: of exceptions, unittest lets only this one through.
+    signal.signal(signal.SIGTERM, signal.default_int_handler)
     result = unittest.main(argv=[sys.argv[0], *others], exit=False, verbosity=2).result
     if result.testsRun == 0 or result.skipped or result.expectedFailures:
         sys.exit("Nothing is shown by what was not tried")
