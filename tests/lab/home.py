@@ -3,13 +3,14 @@
 
 import datetime
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
 import time
 from pathlib import Path
 
-from .checks import wait_until
+from .checks import expect, wait_until
 from .desktop import keep_picture
 from .ini import ini_value, write_ini
 from .monitor import Monitor
@@ -35,7 +36,8 @@ class Clock:
 
 class Home:
     """A user's home directory with the program's files in it, empty at first. Left with an
-    exception, it tells what the programs wrote last and keeps a picture of the desktop."""
+    exception, or after a crash that nobody has noticed, it tells what the programs wrote last and
+    keeps a picture of the desktop."""
 
     def __init__(self, build, clock, name):
         self.build = build
@@ -56,9 +58,14 @@ class Home:
         return self
 
     def __exit__(self, _kind, error, _trace):
-        if isinstance(error, Exception):
+        codes = [monitor.process.poll() for monitor in self.processes]
+        has_crashed = any(code is not None and code < 0 and code != -signal.SIGKILL
+                          for code in codes)
+        if isinstance(error, Exception) or has_crashed:
             self._tell_of_failure()
         self.close()
+        if error is None:
+            expect(not has_crashed, f"a program has crashed; the exit codes: {codes}")
 
     def _tell_of_failure(self):
         keep_picture(self.picture)
