@@ -143,8 +143,11 @@ private slots:
             QCOMPARE(text->toPlainText(), notice->accessibleName());
             QCOMPARE(text->document()->defaultTextOption().alignment(), Qt::AlignHCenter);
             QVERIFY(type != 0 || text->document()->rootFrame()->frameFormat().topMargin() > 10);
-            for (const QPushButton* button : notice->findChildren<QPushButton*>())
+            for (const QPushButton* button : notice->findChildren<QPushButton*>()) {
                 QCOMPARE(button->isVisible(), type == UpdateAvailable);
+                // The style sheet goes by it.
+                QCOMPARE(button->objectName(), QStringLiteral("pbTessaport"));
+            }
             QCOMPARE(closesByItself(type), closing.contains(type));
             // The second click finds it fading.
             for (int click = 0; click < 2; ++click)
