@@ -87,6 +87,8 @@ private slots:
                  QStringList({QStringLiteral("<h1>Макет</h1> | Истекает: 2020-04-26 18:05:00"),
                               QStringLiteral("Текст | Истекает: ")}));
         QVERIFY(row(0)->findChild<QLabel*>()->toolTip().contains(QStringLiteral("&lt;h1&gt;")));
+        QCOMPARE(row(1)->findChild<QPushButton*>()->accessibleDescription(),
+                 rowTexts(list()).value(1));
         const QRect area = QApplication::desktop()->availableGeometry(m_list.get());
         const QPoint place(area.right() - 394, area.bottom() - (565 + 73));
         drag(m_list.get(), Qt::LeftButton);

@@ -71,6 +71,7 @@ void LinuxPlatformTest::startupEntryFile()
         {"/opt/\"a\" 'b' $c `d`", "TryExec=/opt/\"a\" 'b' $c `d`",
          R"(Exec="/opt/\\"a\\" 'b' \\$c \\`d\\`")"},
         {R"(/opt/a\sb)", R"(TryExec=/opt/a\\sb)", R"(Exec="/opt/a\\\\sb")"},
+        {"/opt/a\tb\nc", R"(TryExec=/opt/a\tb\nc)", R"(Exec="/opt/a\tb\nc")"},
     };
     for (const auto& [path, tryExec, exec] : rows) {
         platform::setStartupEntry(name, QStringLiteral("/elsewhere"));

@@ -6,6 +6,7 @@
 #include "support/Files.h"
 #include "support/TestMain.h"
 
+#include <QCryptographicHash>
 #include <QProcess>
 
 class PlatformTest : public QObject {
@@ -31,6 +32,18 @@ void PlatformTest::keyCodes()
         QCOMPARE(platform::keyCodes(key).virtualKey, codes.virtualKey);
         QCOMPARE(platform::keyCodes(key).keysym, codes.keysym);
     }
+    // What the systems call their keys does not change: the table as a whole.
+    QByteArray table;
+    for (const auto& [first, last] : {std::pair(Qt::Key_Space, Qt::Key_Z),
+                                      std::pair(Qt::Key_Escape, Qt::Key_MediaTogglePlayPause)}) {
+        for (int key = first; key <= last; ++key) {
+            const platform::KeyCodes codes = platform::keyCodes(Qt::Key(key));
+            table +=
+                QByteArray::number(codes.virtualKey) + ' ' + QByteArray::number(codes.keysym) + ' ';
+        }
+    }
+    QCOMPARE(QCryptographicHash::hash(table, QCryptographicHash::Md5).toHex(),
+             QByteArray("2da36b8ee7ef031262958c88aff58fa0"));
 }
 
 void PlatformTest::steadyTick()

@@ -209,12 +209,14 @@ void ServiceFormsTest::taskInfo()
              QStringLiteral("12ЭСА"));
     QCOMPARE(info.deadline, QDateTime({2020, 1, 2}, {3, 4, 5}));
     QCOMPARE(info.files.size(), 2);
-    QCOMPARE(info.files[0].filename + info.files[0].filenameOrig + info.files[0].size,
-             QStringLiteral("fomany"));
+    const auto file = info.files[0];
+    QCOMPARE(file.id + file.filename + file.filenameOrig + file.size, QStringLiteral("1fomany"));
     const TextTask text = info.texts.value(0);
-    QCOMPARE(text.text + text.title + text.minCount + text.task, QStringLiteral("xy3000z"));
+    QCOMPARE(text.id + text.text + text.title + text.minCount + text.task,
+             QStringLiteral("2xy3000z"));
     QCOMPARE(text.page, QUrl(QStringLiteral("http://a/b?c=d")));
-    QCOMPARE(text.keywords[0].count + text.keywords[0].count2, QStringLiteral("12"));
+    const Keyword keyword = text.keywords[0];
+    QCOMPARE(keyword.id + keyword.keyword + keyword.count + keyword.count2, QStringLiteral("3k12"));
     QVERIFY(ServiceReply::taskInfo(5).id.isEmpty());
 }
 
