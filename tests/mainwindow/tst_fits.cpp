@@ -62,8 +62,15 @@ QSize textSize(const QWidget* widget, const QString& text)
 QString lackOfLabel(const QLabel* label)
 {
     // A text from outside may be shortened, and there is a tool tip for it.
-    if (dynamic_cast<const ElidedLabel*>(label) || label->text().isEmpty())
+    if (dynamic_cast<const ElidedLabel*>(label))
         return QString();
+    if (label->text().isEmpty()) {
+        // But for those that tell of a request.
+        const bool mayBeEmpty = label->objectName() == QLatin1String("lbInfo")
+            || label->objectName() == QLatin1String("lbLoading");
+        const bool isEmpty = label->pixmap(Qt::ReturnByValue).isNull();
+        return isEmpty && !mayBeEmpty ? label->objectName() : QString();
+    }
     if (Qt::mightBeRichText(label->text()))
         return lack(label, label->sizeHint(), label->size());
     if (label->wordWrap())
