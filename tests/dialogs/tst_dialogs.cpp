@@ -158,6 +158,8 @@ private slots:
     void calendarIsRussianAndTurnsByItsArrows()
     {
         const CalendarForm form;
+        // The style sheet goes by their name.
+        QCOMPARE(form.findChildren<QPushButton*>(QStringLiteral("pbTessaport")).size(), 2);
         QCOMPARE(form.windowTitle(), QStringLiteral("Запрос на продление задачи"));
         auto* calendar = form.findChild<QCalendarWidget*>();
         QCOMPARE(calendar->locale().language(), QLocale::Russian);
