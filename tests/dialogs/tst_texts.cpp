@@ -31,7 +31,10 @@ private slots:
             box.showPopup();
             return QVector<QImage>{box.grab().toImage(), box.view()->grab().toImage()};
         };
-        QCOMPARE(pictures(QStringLiteral("А\r\nБ")), pictures(QStringLiteral("А  Б")));
+        const QVector<QImage> inOneLine = pictures(QStringLiteral("А  Б"));
+        QCOMPARE(pictures(QStringLiteral("А\r\nБ")), inOneLine);
+        const QVector<QImage> others = pictures(QStringLiteral("А  В"));
+        QVERIFY(others[0] != inOneLine[0] && others[1] != inOneLine[1]);
     }
 
     void longTextsEndWithinTheirRoom()
