@@ -112,6 +112,12 @@ private slots:
         for (const char* link : {"https://example.org/a", "file:///etc/passwd", "ftp://x/y", "#a"})
             emit text.anchorClicked(QUrl(QLatin1String(link)));
         QCOMPARE(m_opened, QList<QUrl>({QUrl(QStringLiteral("https://example.org/a"))}));
+
+        // A click leaves the text where it is.
+        text.setText(QStringLiteral("<a href=\"ftp://x/y\">текст задачи</a>"));
+        text.show();
+        QTest::mouseClick(text.viewport(), Qt::LeftButton, {}, {20, 15});
+        QCOMPARE(text.toPlainText(), QStringLiteral("текст задачи"));
     }
 
     void textsAreBounded()
