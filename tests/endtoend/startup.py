@@ -181,11 +181,14 @@ class Startup(Case):
             home.sign_in("1507", "48211")
             program = home.start()
             program.wait_for(STRIP)
+            # The program writes this file, too, when it has asked for the version.
+            settings = home.data / "update.json"
+            wait_until(lambda: ini_value(settings, "updateInfo"), "the version is known")
 
             shutil.copy("/bin/sleep", home.path / UPDATE)
             with subprocess.Popen([home.path / UPDATE, "300"]) as update:
                 try:
-                    set_ini_value(home.data / "update.json", "forceUpdate", "true")
+                    set_ini_value(settings, "forceUpdate", "true")
                     expect_exit(program)
                 finally:
                     update.kill()
