@@ -44,7 +44,7 @@ void tellOfOtherInstance()
     QMessageBox message(
         QMessageBox::Critical, QCoreApplication::applicationName(),
         QStringLiteral("Только одна копия программы может быть одновременно запущена."));
-    // So do the windows of the other copy.
+    // Above the windows of the other copy, which stay on top as well.
     message.setWindowFlag(Qt::WindowStaysOnTopHint);
     message.exec();
 }

@@ -42,8 +42,8 @@ void PlatformTest::keyCodes()
                 QByteArray::number(codes.virtualKey) + ' ' + QByteArray::number(codes.keysym) + ' ';
         }
     }
-    QCOMPARE(QCryptographicHash::hash(table, QCryptographicHash::Md5).toHex(),
-             QByteArray("2da36b8ee7ef031262958c88aff58fa0"));
+    const QByteArray digest = QCryptographicHash::hash(table, QCryptographicHash::Md5).toHex();
+    QVERIFY2(digest == "2da36b8ee7ef031262958c88aff58fa0", table.constData());
 }
 
 void PlatformTest::steadyTick()
