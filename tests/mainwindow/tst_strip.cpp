@@ -13,7 +13,6 @@
 
 #include <QComboBox>
 #include <QListWidget>
-#include <QLoggingCategory>
 #include <QMenu>
 #include <QScreen>
 
@@ -25,8 +24,6 @@ private slots:
     void initTestCase()
     {
         initResources();
-        // What the display says of a window that has just gone.
-        QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.xcb.warning=false"));
     }
 
     void showsItsState()

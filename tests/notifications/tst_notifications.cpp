@@ -12,7 +12,6 @@
 
 #include <QDesktopServices>
 #include <QLineEdit>
-#include <QLoggingCategory>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
@@ -105,8 +104,6 @@ public slots:
 private slots:
     void initTestCase()
     {
-        // Qt asks for a window's place in a frame that the window manager may have taken away.
-        QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.xcb.warning=false"));
         initResources();
         installFonts();
         enterDataDirectory();

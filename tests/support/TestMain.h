@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -27,6 +28,8 @@ private:
     int main(int argc, char* argv[])                                                               \
     {                                                                                              \
         TestHome home;                                                                             \
+        /* Qt asks for a window's place in a frame that the window manager may have taken away. */ \
+        QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.xcb.warning=false"));              \
         ApplicationClass application(argc, argv);                                                  \
         QCoreApplication::setOrganizationName(QStringLiteral("TessaPort"));                        \
         QCoreApplication::setOrganizationDomain(QStringLiteral("TessaPort"));                      \
