@@ -14,7 +14,8 @@ class AbstractTessaportForm;
 
 /// A frameless, translucent dialog on top of all windows that shows a picture as its panel and is
 /// dragged by any place where no child takes the mouse. It is modal unless the subclass says
-/// otherwise.
+/// otherwise. It has an object name already when the subclass sets up its form file, which then
+/// gives none: the subclass sets its own.
 class AbstractTessaportForm : public QDialog {
     Q_OBJECT
 

@@ -39,6 +39,7 @@ CalendarForm::CalendarForm(QWidget* parent)
 {
     qDebug() << "CalendarForm CalendarForm";
     m_ui->setupUi(this);
+    setObjectName(QStringLiteral("CalendarForm"));
     m_ui->lbIcon->setPixmap(picture(QStringLiteral(":/icons/res/icons/calendar_icon.png")));
     // One rule of the style sheet serves the confirming buttons of all windows.
     m_ui->pbOk->setObjectName(QStringLiteral("pbTessaport"));

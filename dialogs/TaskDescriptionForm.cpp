@@ -80,6 +80,7 @@ TaskDescriptionForm::TaskDescriptionForm(const QString& taskId, TessaPort* servi
     // A modal panel would lock the list, whose buttons have to close it.
     setModal(false);
     m_ui->setupUi(this);
+    setObjectName(QStringLiteral("TaskDescriptionForm"));
     m_ui->lbIcon->setPixmap(picture(QStringLiteral(":/images/pbComment.png")));
     m_ui->lbAttIcon->setPixmap(
         picture(QStringLiteral(":/images/res/images/task_desc_dialog/attachment_icon.png")));

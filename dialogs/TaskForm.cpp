@@ -48,6 +48,7 @@ TaskForm::TaskForm(AbstractMainForm* mainForm, QWidget* parent)
     , m_mainForm(mainForm)
 {
     m_ui->setupUi(this);
+    setObjectName(QStringLiteral("TaskForm"));
     // After the connections by name, which it would break; the style sheet goes by this name.
     m_ui->pbOk->setObjectName(QStringLiteral("pbTessaport"));
     m_ui->pbCancel->setObjectName(QStringLiteral("pbTessaport"));

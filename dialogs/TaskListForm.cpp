@@ -49,6 +49,7 @@ TaskListForm::TaskListForm(TessaPort* service, AbstractMainForm* mainForm, QWidg
     // A modal panel would lock the main window, whose second press has to close it.
     setModal(false);
     m_ui->setupUi(this);
+    setObjectName(QStringLiteral("TaskListForm"));
     m_ui->lbIcon->setPixmap(picture(QStringLiteral(":/images/pbComment.png")));
     setBackground(QStringLiteral(":/images/res/images/big_fon.png"));
     setMovable(false);

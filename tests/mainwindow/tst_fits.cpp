@@ -243,6 +243,7 @@ private slots:
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window));
         QCOMPARE(kindOf(window), kind);
+        QCOMPARE(window->objectName(), QLatin1String(window->metaObject()->className()));
         QFETCH(QString, panel);
         if (!panel.isEmpty())
             comparePanel(window, panel);
