@@ -106,7 +106,9 @@ private slots:
         strip.part("lbOverdueTime")->setProperty("text", QString());
         emit strip.session->overdueTimeChanged();
         QCOMPARE(shown(), overdue);
-        for (const char* other : {"2", "0"}) {
+        for (const char* other : {"2", "0", ""}) {
+            strip.session->setTaskID(QStringLiteral("1"));
+            QCOMPARE(shown(), overdue);
             strip.session->setTaskID(QLatin1String(other));
             QCOMPARE(shown(), none);
         }
