@@ -21,10 +21,7 @@ class StripTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        initResources();
-    }
+    void initTestCase() { initResources(); }
 
     void showsItsState()
     {
