@@ -13,12 +13,12 @@ namespace {
 
 const QString title = QStringLiteral("Сверстать карточку товара");
 
-/// From nothing to the last pixel.
+/// From nothing to what is seen. Taking a picture would arrange what is not seen, too.
 void open(QWidget& window)
 {
     window.show();
     QCoreApplication::processEvents();
-    window.grab();
+    window.repaint();
 }
 
 /// The same rows in a plain list, without any style sheet.

@@ -2,6 +2,18 @@
 #include "dialogs/RowList.h"
 
 #include <QApplication>
+#include <QLayout>
+
+namespace {
+
+/// Where the rows of the list stand. To style it later would style all rows with it.
+QWidget* styledViewport(const QListWidget* list)
+{
+    list->ensurePolished();
+    return list->viewport();
+}
+
+} // namespace
 
 QRect RowList::visualRect(const QModelIndex& index) const
 {
@@ -31,26 +43,55 @@ void RowList::scrollContentsBy(int dx, int dy)
     updateEditorGeometries();
 }
 
-QWidget* newRow(QListWidget* list)
+// Born where it will stand, since a change of parent would style it once more.
+Row::Row(QListWidget* list)
+    : QWidget(styledViewport(list))
 {
-    // Born where it will stand, since a change of parent would style it once more.
-    return new QWidget(list->viewport());
+    hide();
 }
 
-void setRows(QListWidget* list, int gridHeight, const QVector<QWidget*>& rows)
+void Row::setVisible(bool visible)
+{
+    // To become one of the list's shows a row, which styles and arranges what is in it, far from
+    // the part in view, too.
+    QWidget::setVisible(visible && m_isInList);
+}
+
+bool Row::event(QEvent* event)
+{
+    return isStyledTooSoon(event) || QWidget::event(event);
+}
+
+void Row::childEvent(QChildEvent* event)
+{
+    if (event->added())
+        event->child()->installEventFilter(this);
+}
+
+bool Row::eventFilter(QObject*, QEvent* event)
+{
+    return isStyledTooSoon(event);
+}
+
+bool Row::isStyledTooSoon(const QEvent* event) const
+{
+    // Each widget asks for it as soon as it is there.
+    return event->type() == QEvent::PolishRequest && isHidden();
+}
+
+void setRows(QListWidget* list, int gridHeight, const QVector<Row*>& rows)
 {
     // A visible list arranges all its rows anew for each one that comes.
     const bool isHidden = list->isHidden();
     list->hide();
     list->clear();
     list->setGridSize(QSize(0, gridHeight));
-    for (QWidget* row : rows) {
+    for (Row* row : rows) {
         const auto item = new QListWidgetItem;
         list->insertItem(list->count(), item);
         list->setItemWidget(item, row);
-        // Until the list has a place for it.
-        row->hide();
-        item->setData(Qt::SizeHintRole, row->sizeHint());
+        row->m_isInList = true;
+        item->setData(Qt::SizeHintRole, row->layout()->sizeHint());
     }
     list->setHidden(isHidden);
 }

@@ -31,9 +31,27 @@ public:
     QSize minimumSizeHint() const override { return minimumSize(); }
 };
 
-/// An empty widget to become a row of the list, which owns it.
-QWidget* newRow(QListWidget* list);
+/// A row to be of a list, which owns it and shows it. Neither the row nor what is in it is styled
+/// before it is shown.
+class Row : public QWidget {
+public:
+    explicit Row(QListWidget* list);
 
-/// Makes widgets from newRow() the rows of the list, in place of those it has. They stand in a grid
-/// of this height and are as large as they ask to be.
-void setRows(QListWidget* list, int gridHeight, const QVector<QWidget*>& rows);
+    void setVisible(bool visible) override;
+
+protected:
+    bool event(QEvent* event) override;
+    void childEvent(QChildEvent* event) override;
+    bool eventFilter(QObject* child, QEvent* event) override;
+
+private:
+    bool isStyledTooSoon(const QEvent* event) const;
+
+    friend void setRows(QListWidget* list, int gridHeight, const QVector<Row*>& rows);
+
+    bool m_isInList = false;
+};
+
+/// Makes these the rows of the list, in place of those it has. They stand in a grid of this height
+/// and are as large as they ask to be.
+void setRows(QListWidget* list, int gridHeight, const QVector<Row*>& rows);

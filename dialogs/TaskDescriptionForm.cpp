@@ -212,9 +212,9 @@ void TaskDescriptionForm::on_cbTexts_currentIndexChanged(int index)
 
 void TaskDescriptionForm::updateAttachments(const QList<Attachment>& files)
 {
-    QVector<QWidget*> rows;
+    QVector<Row*> rows;
     for (const Attachment& file : files) {
-        QWidget* const row = newRow(m_ui->listAttachments);
+        const auto row = new Row(m_ui->listAttachments);
         const auto name = rowLabel(file.filenameOrig, row);
         name->setToolTip(plainToolTip(file.filenameOrig));
         name->setFixedHeight(23);
@@ -266,9 +266,9 @@ void TaskDescriptionForm::updateTaskText(const TextTask& textTask)
 
 void TaskDescriptionForm::updateKeywords(const QList<Keyword>& keywords)
 {
-    QVector<QWidget*> rows;
+    QVector<Row*> rows;
     for (const Keyword& keyword : keywords) {
-        QWidget* const row = newRow(m_ui->listKeywords);
+        const auto row = new Row(m_ui->listKeywords);
         const auto phrase = rowLabel(keyword.keyword, row);
         phrase->setToolTip(plainToolTip(keyword.keyword));
         phrase->setFixedSize(180, 15);

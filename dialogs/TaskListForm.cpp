@@ -201,20 +201,20 @@ void TaskListForm::fillList(const QString& teamId)
     // The place that the user has scrolled to stays.
     if (isShown)
         return;
-    QVector<QWidget*> rows;
+    QVector<Row*> rows;
     for (const Task& task : qAsConst(tasks))
         rows << taskRow(task);
     setRows(m_ui->listWidget, 26, rows);
     m_shownTasks = tasks;
 }
 
-QWidget* TaskListForm::taskRow(const Task& task)
+Row* TaskListForm::taskRow(const Task& task)
 {
     // The separator also stands before a deadline that is not there; see docs/decisions.md.
     const QString deadline = QStringLiteral(" | Истекает: ")
         + task.deadline.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
     const QString text = task.title + deadline;
-    QWidget* const row = newRow(m_ui->listWidget);
+    const auto row = new Row(m_ui->listWidget);
 
     const auto label = new ElidedLabel(row);
     label->setObjectName(QStringLiteral("lbTask"));

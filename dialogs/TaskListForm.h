@@ -11,6 +11,7 @@
 #include <memory>
 
 class AbstractMainForm;
+class Row;
 class TaskDescriptionForm;
 class TessaPort;
 
@@ -54,7 +55,7 @@ private:
     void scrollToFocus();
     int teamIndex(const QString& teamId) const;
     void fillList(const QString& teamId);
-    QWidget* taskRow(const Task& task);
+    Row* taskRow(const Task& task);
     TaskDescriptionForm* description(const QString& taskId);
 
     TessaPort* const m_service;
