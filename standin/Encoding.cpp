@@ -4,120 +4,86 @@
 #include <algorithm>
 #include <cctype>
 #include <charconv>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+#include <openssl/evp.h>
 
 namespace standin {
 namespace {
 
-int hexadecimal(char c)
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    return -1;
-}
+constexpr char dateTimeFormat[] = "%Y-%m-%d %H:%M:%S";
 
 bool isUnreserved(char c)
 {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-'
-        || c == '.' || c == '_' || c == '~';
+    return std::isalnum(static_cast<unsigned char>(c))
+        || std::string_view("-._~").find(c) != std::string_view::npos;
 }
 
-int base64Value(char c)
+std::string written(const char* format, const std::tm& time)
 {
-    if (c >= 'A' && c <= 'Z')
-        return c - 'A';
-    if (c >= 'a' && c <= 'z')
-        return c - 'a' + 26;
-    if (c >= '0' && c <= '9')
-        return c - '0' + 52;
-    if (c == '+')
-        return 62;
-    return c == '/' ? 63 : -1;
-}
-
-bool matchesDigits(std::string_view text, std::string_view pattern)
-{
-    return std::equal(text.begin(), text.end(), pattern.begin(), pattern.end(),
-                      [](char c, char p) { return p == '0' ? c >= '0' && c <= '9' : c == p; });
+    char buffer[64];
+    return std::string(buffer, std::strftime(buffer, sizeof buffer, format, &time));
 }
 
 } // namespace
+
+std::string contentOf(const std::filesystem::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream)
+        throw std::runtime_error(file.string() + ": cannot be read");
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
 
 std::optional<std::string> percentDecoded(std::string_view text)
 {
     std::string result;
     result.reserve(text.size());
-    for (size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != '%') {
-            result += text[i];
+    while (!text.empty()) {
+        if (isUnreserved(text[0])) {
+            result += text[0];
+            text.remove_prefix(1);
             continue;
         }
-        const int high = i + 2 < text.size() ? hexadecimal(text[i + 1]) : -1;
-        const int low = i + 2 < text.size() ? hexadecimal(text[i + 2]) : -1;
-        if (high < 0 || low < 0)
+        if (text[0] != '%' || text.size() < 3)
             return std::nullopt;
-        result += static_cast<char>(high * 16 + low);
-        i += 2;
+        unsigned byte = 0;
+        const char* const end = text.data() + 3;
+        if (std::from_chars(text.data() + 1, end, byte, 16).ptr != end)
+            return std::nullopt;
+        result += static_cast<char>(byte);
+        text.remove_prefix(3);
     }
     return result;
 }
 
-std::optional<std::string> strictlyPercentDecoded(std::string_view text)
+std::string percentEncoded(std::string_view text)
 {
-    if (!std::all_of(text.begin(), text.end(), [](char c) { return c == '%' || isUnreserved(c); }))
-        return std::nullopt;
-    return percentDecoded(text);
-}
-
-Parameters queryParameters(std::string_view query)
-{
-    Parameters result;
-    while (!query.empty()) {
-        const std::string_view item = query.substr(0, query.find('&'));
-        query.remove_prefix(std::min(query.size(), item.size() + 1));
-        const size_t equals = std::min(item.find('='), item.size());
-        const auto name = percentDecoded(item.substr(0, equals));
-        const auto value = percentDecoded(item.substr(std::min(item.size(), equals + 1)));
-        if (name && value && !name->empty())
-            result.emplace(*name, *value);
-    }
-    return result;
-}
-
-std::string value(const Parameters& parameters, const std::string& name)
-{
-    const auto found = parameters.find(name);
-    return found == parameters.end() ? std::string() : found->second;
-}
-
-std::optional<std::string> base64Decoded(std::string_view text)
-{
-    if (text.size() % 4 != 0)
-        return std::nullopt;
-    size_t padding = 0;
-    while (padding < 2 && !text.empty() && text.back() == '=') {
-        text.remove_suffix(1);
-        ++padding;
-    }
+    constexpr char digits[] = "0123456789ABCDEF";
     std::string result;
-    result.reserve(text.size() * 3 / 4);
-    unsigned bits = 0;
-    int count = 0;
     for (const char c : text) {
-        const int value = base64Value(c);
-        if (value < 0)
-            return std::nullopt;
-        bits = bits << 6 | static_cast<unsigned>(value);
-        count += 6;
-        if (count >= 8) {
-            count -= 8;
-            result += static_cast<char>(bits >> count & 0xff);
-        }
+        const auto byte = static_cast<unsigned char>(c);
+        result += {'%', digits[byte >> 4], digits[byte & 15]};
     }
     return result;
+}
+
+std::optional<std::string> base64Decoded(const std::string& text)
+{
+    const auto bytes = [](auto& of) { return reinterpret_cast<const unsigned char*>(of.data()); };
+    const auto room = [](std::string& of) { return reinterpret_cast<unsigned char*>(of.data()); };
+    std::string result(text.size() / 4 * 3, '\0');
+    if (EVP_DecodeBlock(room(result), bytes(text), static_cast<int>(text.size())) < 0)
+        return std::nullopt;
+    // OpenSSL takes padding for zeros and passes over blanks around the text: hence the way back.
+    const size_t padding = text.size() - (text.find_last_not_of('=') + 1);
+    result.resize(result.size() - std::min<size_t>(padding, 2));
+    std::string again(text.size() + 1, '\0');
+    EVP_EncodeBlock(room(again), bytes(result), static_cast<int>(result.size()));
+    again.pop_back();
+    return again == text ? std::optional(result) : std::nullopt;
 }
 
 std::optional<long long> number(std::string_view text)
@@ -154,27 +120,15 @@ std::string indented(const Json& value)
 
 std::string htmlEscaped(std::string_view text)
 {
+    constexpr std::string_view special = "&<>\"'";
+    constexpr const char* escaped[] = {"&amp;", "&lt;", "&gt;", "&quot;", "&#39;"};
     std::string result;
     for (const char c : text) {
-        switch (c) {
-        case '&':
-            result += "&amp;";
-            break;
-        case '<':
-            result += "&lt;";
-            break;
-        case '>':
-            result += "&gt;";
-            break;
-        case '"':
-            result += "&quot;";
-            break;
-        case '\'':
-            result += "&#39;";
-            break;
-        default:
+        const size_t place = special.find(c);
+        if (place == std::string_view::npos)
             result += c;
-        }
+        else
+            result += escaped[place];
     }
     return result;
 }
@@ -183,25 +137,26 @@ std::string dateTime(std::time_t time)
 {
     std::tm local{};
     localtime_r(&time, &local);
-    char buffer[64];
-    return std::string(buffer, std::strftime(buffer, sizeof buffer, "%Y-%m-%d %H:%M:%S", &local));
+    return written(dateTimeFormat, local);
 }
 
-bool isDate(const std::string& text)
+std::time_t parsedDateTime(const std::string& text)
 {
-    if (!matchesDigits(text, "0000-00-00"))
+    std::tm local{};
+    strptime(text.c_str(), dateTimeFormat, &local);
+    local.tm_isdst = -1;
+    return std::mktime(&local);
+}
+
+bool isWrittenAs(const char* format, const std::string& text)
+{
+    std::tm moment{};
+    moment.tm_mday = 1;
+    if (!strptime(text.c_str(), format, &moment))
         return false;
-    std::tm day{};
-    day.tm_year = std::stoi(text.substr(0, 4)) - 1900;
-    day.tm_mon = std::stoi(text.substr(5, 2)) - 1;
-    day.tm_mday = std::stoi(text.substr(8, 2));
-    const std::tm asked = day;
-    return timegm(&day) != -1 && day.tm_mon == asked.tm_mon && day.tm_mday == asked.tm_mday;
-}
-
-bool isTime(const std::string& text)
-{
-    return matchesDigits(text, "00:00") && text < "24:00" && text[3] < '6';
+    // A day that a month does not have becomes another one.
+    timegm(&moment);
+    return written(format, moment) == text;
 }
 
 } // namespace standin

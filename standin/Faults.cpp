@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Faults.h"
 
+#include <algorithm>
 #include <random>
+#include <thread>
 #include <utility>
 
 namespace standin {
@@ -49,15 +51,6 @@ std::optional<Fault::Mode> Fault::modeNamed(const std::string& name)
     return std::nullopt;
 }
 
-std::string Fault::name(Mode mode)
-{
-    for (const ModeText& text : modeTexts) {
-        if (text.mode == mode)
-            return text.name;
-    }
-    return {};
-}
-
 std::string Fault::explanation()
 {
     std::string result;
@@ -94,7 +87,6 @@ void Faults::set(const std::string& path, Fault fault)
     const std::lock_guard lock(m_mutex);
     fault.order = ++m_orders[path];
     m_faults.insert_or_assign(path, std::move(fault));
-    m_changed.notify_all();
 }
 
 void Faults::clear(const std::string& path)
@@ -102,7 +94,6 @@ void Faults::clear(const std::string& path)
     const std::lock_guard lock(m_mutex);
     ++m_orders[path];
     m_faults.erase(path);
-    m_changed.notify_all();
 }
 
 void Faults::clearAll()
@@ -110,7 +101,6 @@ void Faults::clearAll()
     const std::lock_guard lock(m_mutex);
     m_faults.clear();
     ++m_clearings;
-    m_changed.notify_all();
 }
 
 std::optional<Fault> Faults::take(const std::string& path)
@@ -119,40 +109,34 @@ std::optional<Fault> Faults::take(const std::string& path)
     const auto found = m_faults.find(path);
     if (found == m_faults.end())
         return std::nullopt;
-    const Fault fault = found->second;
+    Fault fault = found->second;
+    fault.clearings = m_clearings;
     if (found->second.remaining && --*found->second.remaining <= 0)
         m_faults.erase(found);
     return fault;
 }
 
-bool Faults::delay(std::chrono::milliseconds time)
-{
-    std::unique_lock lock(m_mutex);
-    const int clearings = m_clearings;
-    return !m_changed.wait_for(lock, time, [&] { return m_stopped || m_clearings != clearings; });
-}
-
-bool Faults::hang(const std::string& path, const Fault& fault,
+bool Faults::wait(const std::string& path, const Fault& fault,
                   const std::function<bool()>& clientHasGone)
 {
-    constexpr std::chrono::milliseconds step(50);
-    const auto end = std::chrono::steady_clock::now() + fault.time;
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::milliseconds step(10);
+    const bool isHanging = fault.mode == Fault::Mode::Hang;
+    const Clock::time_point end = Clock::now() + fault.time;
     std::unique_lock lock(m_mutex);
-    const int clearings = m_clearings;
-    const auto isOver = [&] { return m_stopped || m_clearings != clearings; };
-    const auto isReleased = [&] { return m_orders[path] != fault.order; };
-    while (!m_changed.wait_for(lock, step, [&] { return isOver() || isReleased(); })) {
-        if (std::chrono::steady_clock::now() >= end || clientHasGone())
+    while (m_clearings == fault.clearings) {
+        if (isHanging && m_orders[path] != fault.order)
+            return true;
+        const Clock::time_point now = Clock::now();
+        if (now >= end)
+            return !isHanging;
+        if (isHanging && clientHasGone())
             return false;
+        lock.unlock();
+        std::this_thread::sleep_until(std::min(end, now + step));
+        lock.lock();
     }
-    return !isOver();
-}
-
-void Faults::stop()
-{
-    const std::lock_guard lock(m_mutex);
-    m_stopped = true;
-    m_changed.notify_all();
+    return false;
 }
 
 Json Faults::toJson() const
@@ -160,7 +144,7 @@ Json Faults::toJson() const
     const std::lock_guard lock(m_mutex);
     Json result = Json::object();
     for (const auto& [path, fault] : m_faults) {
-        result[path] = {{"mode", Fault::name(fault.mode)}};
+        result[path] = {{"mode", fault.name}};
         if (fault.remaining)
             result[path]["remaining"] = *fault.remaining;
     }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -32,14 +31,16 @@ struct Fault {
     };
 
     Mode mode;
+    std::string name; ///< of the mode
     std::optional<int> remaining; ///< how many requests more; nothing means until told otherwise
     std::chrono::milliseconds time; ///< of Delay; of Hang the bound
     std::string body; ///< of Answer
-    int order = 0; ///< which order to its path this is; told by Faults
+    // Told by Faults:
+    int order = 0; ///< which one to its path this is
+    int clearings = 0; ///< how many there had been when it was taken
 
     /// Nothing for a name that is none.
     static std::optional<Mode> modeNamed(const std::string& name);
-    static std::string name(Mode mode);
     /// A line for each mode: its name and what it does.
     static std::string explanation();
 
@@ -60,26 +61,19 @@ public:
     /// The fault for one request, counted down; nothing when it is to be answered rightly.
     std::optional<Fault> take(const std::string& path);
 
-    /// Waits for the time, and is true then; false when everything is cleared or stops.
-    bool delay(std::chrono::milliseconds time);
-    /// Waits with a fault that was taken until its path is told otherwise, and is true then; false
-    /// when the time is up, the client has gone, or everything is cleared or stops.
-    bool hang(const std::string& path, const Fault& fault,
+    /// Lets a request wait with a fault that was taken, and is true when it is to be answered then:
+    /// a delayed one when its time is up, a hanging one when its path is told otherwise before.
+    bool wait(const std::string& path, const Fault& fault,
               const std::function<bool()>& clientHasGone);
-
-    /// Ends all waiting for good.
-    void stop();
 
     /// Path to mode and remaining count.
     Json toJson() const;
 
 private:
     mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
     std::map<std::string, Fault> m_faults;
     std::map<std::string, int> m_orders; ///< path to how many orders it has had
     int m_clearings = 0;
-    bool m_stopped = false;
 };
 
 } // namespace standin

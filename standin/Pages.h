@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "Encoding.h"
 #include "Store.h"
@@ -13,11 +12,11 @@ namespace standin {
 namespace Pages {
 
 /// What has arrived, newest first. The page reloads itself.
-std::string overview(const Json& teams, const std::vector<Record>& records);
+std::string overview(const Json& teams, const Records& records);
 
 /// One task and what was booked on it.
 std::string task(const std::string& id, const Json& details, const Json& teams,
-                 const std::vector<Record>& records);
+                 const Records& records);
 
 std::string unknownTask(const std::string& id);
 

@@ -35,7 +35,7 @@ Json recordIn(const std::string& body)
     const std::string prefix = "data=";
     if (body.compare(0, prefix.size(), prefix) != 0)
         reject("the body does not start with data=");
-    const auto payload = strictlyPercentDecoded(std::string_view(body).substr(prefix.size()));
+    const auto payload = percentDecoded(std::string_view(body).substr(prefix.size()));
     if (!payload)
         reject("the data are not percent-encoded");
     Json data = Json::parse(*payload, nullptr, false);
@@ -71,7 +71,6 @@ Report Report::parsed(Kind kind, const std::string& body)
     Report report;
     report.record = recordIn(body);
     checkFields(kind, report.record);
-    report.email = text(report.record, "email");
 
     const auto past = number(text(report.record, "past"));
     // The age that the client computes is a difference of 32-bit times.

@@ -12,7 +12,6 @@ struct Report {
     enum class Kind { Activity, Screenshot };
 
     Json record; ///< as sent, in the order sent; without the encoded picture
-    std::string email;
     long long past = 0; ///< seconds that passed between the minute and the sending
     std::string picture; ///< the bytes; empty when the client could not read its picture
 

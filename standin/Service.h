@@ -5,7 +5,6 @@
 
 #include <httplib.h>
 
-#include "Encoding.h"
 #include "Faults.h"
 #include "Report.h"
 #include "ServiceData.h"
@@ -13,52 +12,53 @@
 
 namespace standin {
 
-/// The paths of the service: the calls of the client, the pages for the browser, and the orders
-/// under /standin/, which orders() explains.
+extern const char* const plainText;
+extern const char* const htmlText;
+
+struct Answer {
+    std::string body;
+    const char* type = "application/json; charset=utf-8";
+    int status = 200;
+};
+
+/// What is answered: the calls of the client, the pages for the browser, and the orders under
+/// /standin/, which orders() explains. One request at a time.
 class Service {
 public:
-    /// All have to outlive it. Quiet: no line on standard output for each request.
-    Service(ServiceData& data, Store& store, Faults& faults, bool quiet);
+    struct Call {
+        const httplib::Request& request;
+        const std::string& body;
 
-    void addTo(httplib::Server& server);
+        /// The decoded value of a parameter, empty when it is not there.
+        std::string value(const char* name) const { return request.get_param_value(name); }
+        bool has(const char* name) const { return request.has_param(name); }
+    };
+    struct Endpoint {
+        enum Kind {
+            Open,
+            ForAccount, ///< answered only with the credentials of an account
+            Order, ///< never failed, and not logged
+        };
+
+        const char* method;
+        const char* path; ///< may have wildcards
+        Answer (Service::*answer)(const Call&);
+        Kind kind;
+    };
+
+    /// All have to outlive it.
+    Service(ServiceData& data, Store& store, Faults& faults);
+
+    /// Null for a path that is not served.
+    static const Endpoint* endpoint(const std::string& path);
+
+    Answer answer(const Endpoint& endpoint, const Call& call);
 
     /// What can be ordered, for the tester.
     static std::string orders();
 
 private:
-    struct Call {
-        std::string method;
-        std::string path;
-        std::string query;
-        Parameters parameters;
-        std::string body;
-    };
-    struct Answer {
-        std::string body;
-        const char* type = "application/json; charset=utf-8";
-        int status = 200;
-    };
-    using Handler = Answer (Service::*)(const Call&);
-    struct Endpoint {
-        const char* method;
-        const char* pattern;
-        Handler handler;
-        bool isOrder;
-    };
-    static const Endpoint endpoints[14];
-
-    static Call callOf(const httplib::Request& request);
-
-    void serve(const httplib::Request& request, httplib::Response& response,
-               const httplib::ContentReader* reader, Handler handler);
-    void obey(const httplib::Request& request, httplib::Response& response,
-              const httplib::ContentReader* reader, Handler handler);
-    /// Answers what has no endpoint.
-    void refuse(const httplib::Request& request, httplib::Response& response,
-                const httplib::ContentReader* reader);
-    /// Counts the request under this name.
-    void log(const httplib::Request& request, const Call& call, const std::string& name,
-             const std::string& fault);
+    static const Endpoint endpoints[16];
 
     Answer signIn(const Call& call);
     Answer teams(const Call& call);
@@ -77,14 +77,12 @@ private:
     Answer reset(const Call& call);
     Answer state(const Call& call);
 
-    bool accepts(const Call& call);
     /// Keeps a report; the answer is the confirmation unless something is wrong with it.
     Answer confirmed(Report::Kind kind, const Call& call, Answer confirmation);
 
     ServiceData& m_data;
     Store& m_store;
     Faults& m_faults;
-    const bool m_quiet;
 };
 
 } // namespace standin

@@ -2,13 +2,11 @@
 #include "ServiceData.h"
 
 #include <algorithm>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <stdexcept>
 #include <utility>
 
-#include "DemoData.h"
+#include "BuiltIn.h"
 
 namespace standin {
 namespace {
@@ -21,22 +19,22 @@ bool isList(const Json& object, const char* key)
                        [](const Json& entry) { return entry.is_object(); });
 }
 
-/// Throws std::exception with the reason when the text is not usable as a whole.
+/// Throws std::exception with the reason when the content is not usable as a whole.
 Json parsed(const std::string& content)
 {
+    const auto require = [](bool isTrue, const std::string& what) {
+        if (!isTrue)
+            throw std::runtime_error(what);
+    };
     Json data = Json::parse(content);
-    if (!data.is_object())
-        throw std::runtime_error("not a JSON object");
-    for (const char* key : {"accounts", "teams"}) {
-        if (!isList(data, key))
-            throw std::runtime_error(std::string("\"") + key + "\" is not an array of objects");
-    }
-    for (const Json& team : data["teams"]) {
-        if (team.contains("tasks") && !isList(team, "tasks"))
-            throw std::runtime_error("\"tasks\" is not an array of objects");
-    }
-    if (data.contains("details") && !data["details"].is_object())
-        throw std::runtime_error("\"details\" is not an object");
+    require(data.is_object(), "not a JSON object");
+    for (const char* key : {"accounts", "teams"})
+        require(isList(data, key), std::string("\"") + key + "\" is not an array of objects");
+    for (const Json& team : data["teams"])
+        require(!team.contains("tasks") || isList(team, "tasks"),
+                "\"tasks\" is not an array of objects");
+    require(!data.contains("details") || data["details"].is_object(),
+            "\"details\" is not an object");
     return data;
 }
 
@@ -62,14 +60,15 @@ ServiceData::ServiceData(std::string file)
     : m_file(std::move(file))
     , m_start(std::time(nullptr))
 {
-    if (m_file.empty()) {
+    if (m_file.empty())
         m_data = parsed(demoData);
-        return;
-    }
-    std::ifstream stream(m_file, std::ios::binary);
-    m_content.assign(std::istreambuf_iterator<char>(stream), {});
-    if (!stream)
-        throw std::runtime_error(m_file + ": cannot be read");
+    else
+        takeOver(contentOf(m_file));
+}
+
+void ServiceData::takeOver(std::string content)
+{
+    m_content = std::move(content);
     try {
         m_data = parsed(m_content);
     } catch (const std::exception& error) {
@@ -77,43 +76,68 @@ ServiceData::ServiceData(std::string file)
     }
 }
 
-bool ServiceData::accepts(const std::string& login, const std::string& password)
+std::string ServiceData::explanation()
 {
-    const std::lock_guard lock(m_mutex);
-    refresh();
-    const Json& accounts = m_data["accounts"];
-    return std::any_of(accounts.begin(), accounts.end(), [&](const Json& account) {
-        return !login.empty() && text(account, "login") == login
-            && text(account, "password") == password;
-    });
+    return R"(The data, of which standin/demo.json is an example:
+
+  accounts      array of {"login", "password"}, and "teams" with the ids of those
+                that it sees, if not all
+  teams         as /api_teams_tasks answers
+  details       for the id of a task the "message" of /api_get_task
+  today         as /api_get_active answers; without it, what came today is counted
+  version       a text, or the array of /monitor/tpmc.version
+
+  A "deadline" or "last_comment" like "+2h", "-3d" or "+45m" is the time that far
+  from the start of this program.
+
+)";
 }
 
-bool ServiceData::knows(const std::string& login)
+void ServiceData::refresh()
 {
-    const std::lock_guard lock(m_mutex);
-    refresh();
-    const Json& accounts = m_data["accounts"];
-    return std::any_of(accounts.begin(), accounts.end(), [&](const Json& account) {
-        return !login.empty() && text(account, "login") == login;
-    });
-}
-
-Json ServiceData::teams(const std::string& login)
-{
-    const std::lock_guard lock(m_mutex);
-    refresh();
-    Json visible;
-    for (const Json& account : m_data["accounts"]) {
-        if (!login.empty() && text(account, "login") == login && account.contains("teams"))
-            visible = account["teams"];
+    if (m_file.empty())
+        return;
+    std::string problem;
+    try {
+        std::string content = contentOf(m_file);
+        // Compared by content: an edit that keeps size and time of the file counts too.
+        if (content != m_content)
+            takeOver(std::move(content));
+    } catch (const std::exception& error) {
+        problem = error.what();
     }
+    if (!problem.empty() && problem != m_problem)
+        std::cerr << problem << ", the last good content stays" << std::endl;
+    m_problem = problem;
+}
+
+const Json* ServiceData::account(const std::string& login) const
+{
+    for (const Json& account : m_data["accounts"]) {
+        if (!login.empty() && text(account, "login") == login)
+            return &account;
+    }
+    return nullptr;
+}
+
+bool ServiceData::accepts(const std::string& login, const std::string& password) const
+{
+    const Json* const known = account(login);
+    return known && text(*known, "password") == password;
+}
+
+Json ServiceData::teams(const std::string& login) const
+{
+    const Json* const known = account(login);
+    const Json visible = known ? known->value("teams", Json()) : Json();
+    const auto isVisible = [&visible](const Json& team) {
+        return visible.is_null()
+            || std::any_of(visible.begin(), visible.end(),
+                           [&team](const Json& id) { return text(id) == text(team, "id"); });
+    };
     Json result = Json::array();
     for (Json team : m_data["teams"]) {
-        const std::string id = text(team, "id");
-        const bool isVisible = visible.is_null()
-            || std::any_of(visible.begin(), visible.end(),
-                           [&id](const Json& entry) { return text(entry) == id; });
-        if (!isVisible)
+        if (!isVisible(team))
             continue;
         if (team.contains("tasks")) {
             for (Json& task : team["tasks"])
@@ -124,17 +148,15 @@ Json ServiceData::teams(const std::string& login)
     return result;
 }
 
-std::optional<Json> ServiceData::details(const std::string& taskId)
+std::optional<Json> ServiceData::details(const std::string& taskId) const
 {
-    const std::lock_guard lock(m_mutex);
-    refresh();
-    const Json* known = task(taskId);
-    const bool hasDetails = m_data.contains("details") && m_data["details"].contains(taskId);
-    if (!known && !hasDetails)
+    const Json* const known = task(taskId);
+    const Json details = m_data.value("details", Json::object());
+    if (!known && !details.contains(taskId))
         return std::nullopt;
     Json result;
-    if (hasDetails)
-        result = m_data["details"][taskId];
+    if (details.contains(taskId))
+        result = details[taskId];
     else
         result = {{"id", text(*known, "id")}, {"title", text(*known, "title")}};
     if (!result.is_object())
@@ -145,64 +167,26 @@ std::optional<Json> ServiceData::details(const std::string& taskId)
     return result;
 }
 
-std::optional<Json> ServiceData::dayTotals()
+std::optional<Json> ServiceData::dayTotals() const
 {
-    const std::lock_guard lock(m_mutex);
-    refresh();
     if (!m_data.contains("today"))
         return std::nullopt;
     return m_data["today"];
 }
 
-Json ServiceData::version()
+Json ServiceData::version() const
 {
-    const std::lock_guard lock(m_mutex);
-    refresh();
-    if (!m_data.contains("version"))
-        return Json::array();
-    const Json& version = m_data["version"];
+    const Json version = m_data.value("version", Json::array());
     return version.is_string() ? Json::array({{{"version", version}}}) : version;
 }
 
 bool ServiceData::moveDeadline(const std::string& taskId, const std::string& deadline)
 {
-    const std::lock_guard lock(m_mutex);
-    refresh();
     const Json* known = task(taskId);
     if (!known)
         return false;
     m_movedDeadlines[taskId] = {text(*known, "deadline"), deadline};
     return true;
-}
-
-void ServiceData::reset()
-{
-    const std::lock_guard lock(m_mutex);
-    m_movedDeadlines.clear();
-}
-
-void ServiceData::refresh()
-{
-    if (m_file.empty())
-        return;
-    std::ifstream stream(m_file, std::ios::binary);
-    std::string content{std::istreambuf_iterator<char>(stream), {}};
-    if (!stream) {
-        if (!m_missing)
-            std::cerr << m_file << ": cannot be read, the last good content stays" << std::endl;
-        m_missing = true;
-        return;
-    }
-    m_missing = false;
-    // Compared by content: an edit that keeps size and time of the file counts too.
-    if (content == m_content)
-        return;
-    m_content = std::move(content);
-    try {
-        m_data = parsed(m_content);
-    } catch (const std::exception& error) {
-        std::cerr << m_file << ": " << error.what() << ", the last good content stays" << std::endl;
-    }
 }
 
 const Json* ServiceData::task(const std::string& taskId) const

@@ -3,7 +3,6 @@
 
 #include <ctime>
 #include <map>
-#include <mutex>
 #include <optional>
 #include <string>
 
@@ -12,40 +11,35 @@
 namespace standin {
 
 /// What the service knows: accounts, teams with tasks, details, day totals, version. It comes from
-/// one JSON file that is looked at on every question, so that editing the file is a change at the
-/// service; an edit that is broken is told on standard error and the last good content stays.
-///
-///     {
-///       "version": "1.1.0" or the array of the version file,
-///       "accounts": [ {"login", "password", and, to see only some: "teams": [team id...]} ],
-///       "teams": [ as /api_teams_tasks answers ],
-///       "details": { task id: "message" of /api_get_task },
-///       "today": { as /api_get_active answers; left out: what was confirmed today is counted }
-///     }
-///
-/// Values are served as they stand, in the file's order. Only a "deadline" or "last_comment" like
-/// "+2h", "-3d" or "+45m" becomes the time that far from the start of the program.
-/// All functions may be called from any thread.
+/// one JSON file. Its values are served as they stand there, in the file's order; only a "deadline"
+/// or "last_comment" like "+2h" becomes the time that far from the start of the program.
 class ServiceData {
 public:
     /// Without a file, the demo data that is built in. Throws std::runtime_error when the file
     /// cannot be used.
     explicit ServiceData(std::string file);
 
-    bool accepts(const std::string& login, const std::string& password);
-    bool knows(const std::string& login);
+    /// What is in the file, for the tester.
+    static std::string explanation();
 
-    /// The teams that this login sees; all of them when it is empty.
-    Json teams(const std::string& login);
+    /// Takes over what has been edited. An edit that is broken is told on standard error, and the
+    /// last good content stays.
+    void refresh();
+
+    bool accepts(const std::string& login, const std::string& password) const;
+    bool knows(const std::string& login) const { return account(login) != nullptr; }
+
+    /// The teams that this login sees; all of them when it is none.
+    Json teams(const std::string& login) const;
     /// Nothing for an unknown task. A task without details has those that its team's list tells.
-    std::optional<Json> details(const std::string& taskId);
-    std::optional<Json> dayTotals();
-    Json version();
+    std::optional<Json> details(const std::string& taskId) const;
+    std::optional<Json> dayTotals() const;
+    Json version() const;
 
     /// Holds until the file itself tells another deadline for the task. False for an unknown task.
     bool moveDeadline(const std::string& taskId, const std::string& deadline);
     /// Forgets the moved deadlines.
-    void reset();
+    void reset() { m_movedDeadlines.clear(); }
 
 private:
     struct MovedDeadline {
@@ -53,16 +47,17 @@ private:
         std::string to;
     };
 
-    void refresh();
+    void takeOver(std::string content);
+    /// Null when there is none, or of an account without a login.
+    const Json* account(const std::string& login) const;
     const Json* task(const std::string& taskId) const;
     /// Puts the times in the list entry or the details of a task as they are at present.
     void settleTimes(const Json& task, Json& record) const;
 
-    std::mutex m_mutex;
     const std::string m_file;
     const std::time_t m_start;
     std::string m_content;
-    bool m_missing = false;
+    std::string m_problem; ///< what was told last; empty when the file is good
     Json m_data;
     std::map<std::string, MovedDeadline> m_movedDeadlines;
 };

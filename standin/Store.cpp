@@ -4,9 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
-#include <utility>
 
 namespace standin {
 namespace {
@@ -14,61 +12,40 @@ namespace {
 namespace fs = std::filesystem;
 
 const char* const requestLog = "requests.jsonl";
-const char* const recordSuffix = ".json";
-const char* const pictureSuffix = ".jpg";
 
 /// Without its suffix; sorted by name, records are in order.
-std::string fileName(const Record& record)
+std::string fileName(const Json& record)
 {
     char number[16];
-    std::snprintf(number, sizeof number, "%06d", record.number);
-    return std::string(number) + "-" + record.kind;
-}
-
-std::string contentOf(const fs::path& path)
-{
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-std::time_t parsedDateTime(const std::string& text)
-{
-    std::tm local{};
-    strptime(text.c_str(), "%Y-%m-%d %H:%M:%S", &local);
-    local.tm_isdst = -1;
-    return std::mktime(&local);
+    std::snprintf(number, sizeof number, "%06d", record.value("n", 0));
+    return std::string(number) + "-" + text(record, "kind");
 }
 
 /// Nothing for a file that is none of this store's records.
-std::optional<Record> recordIn(const fs::path& path)
+std::optional<Json> recordIn(const fs::path& file)
 {
-    const Json json = Json::parse(contentOf(path), nullptr, false);
-    if (!json.is_object() || !json.contains("record") || !json["record"].is_object())
+    if (file.extension() != ".json")
         return std::nullopt;
-    Record record;
-    record.number = static_cast<int>(number(text(json, "n")).value_or(0));
-    record.kind = text(json, "kind");
-    record.received = parsedDateTime(text(json, "received"));
-    record.time = parsedDateTime(text(json, "time"));
-    record.picture = text(json, "picture");
-    record.content = json["record"];
-    if (record.number < 1 || path.stem() != fileName(record))
+    Json record = Json::parse(contentOf(file), nullptr, false);
+    if (!record.is_object() || !record.contains("record") || !record["record"].is_object()
+        || !record.contains("n") || !record["n"].is_number() || file.stem() != fileName(record))
         return std::nullopt;
     return record;
 }
 
 } // namespace
 
-Json Record::toJson() const
+bool isMinuteOfToday(const Json& record)
 {
-    Json result{{"n", number},
-                {"kind", kind},
-                {"received", dateTime(received)},
-                {"time", dateTime(time)},
-                {"record", content}};
-    if (!picture.empty())
-        result["picture"] = picture;
-    return result;
+    const size_t dayLength = std::string("yyyy-MM-dd").size();
+    return text(record, "kind") == "activity"
+        && text(record, "time").substr(0, dayLength)
+        == dateTime(std::time(nullptr)).substr(0, dayLength);
+}
+
+bool hasInput(const Json& record)
+{
+    return number(text(record["record"], "active")).value_or(0) > 0;
 }
 
 Store::Store(const fs::path& folder)
@@ -77,95 +54,57 @@ Store::Store(const fs::path& folder)
     fs::create_directories(m_folder);
     if (!std::ofstream(m_folder / requestLog, std::ios::app))
         throw std::runtime_error(m_folder.string() + ": cannot be written");
-    load();
+    for (const fs::directory_entry& entry : fs::directory_iterator(m_folder)) {
+        if (auto record = recordIn(entry.path()))
+            m_records.push_back(std::move(*record));
+    }
+    std::sort(m_records.begin(), m_records.end(),
+              [](const Json& a, const Json& b) { return a["n"] < b["n"]; });
 }
 
 void Store::logRequest(const std::string& name, const Json& request)
 {
-    const std::lock_guard lock(m_mutex);
     ++m_requestCounts[name];
     std::ofstream(m_folder / requestLog, std::ios::app | std::ios::binary)
         << compact(request) + "\n";
 }
 
-std::map<std::string, int> Store::requestCounts() const
+void Store::keep(const std::string& kind, std::time_t age, const Json& content,
+                 const std::string& picture)
 {
-    const std::lock_guard lock(m_mutex);
-    return m_requestCounts;
-}
-
-Record Store::keep(Record record, const std::string& picture)
-{
-    const std::lock_guard lock(m_mutex);
-    record.number = m_records.empty() ? 1 : m_records.back().number + 1;
+    const std::time_t now = std::time(nullptr);
+    Json record{{"n", m_records.empty() ? 1 : m_records.back().value("n", 0) + 1},
+                {"kind", kind},
+                {"received", dateTime(now)},
+                {"time", dateTime(now - age)},
+                {"record", content}};
+    const std::string name = fileName(record);
     if (!picture.empty()) {
-        record.picture = fileName(record) + pictureSuffix;
-        write(record.picture, picture);
+        record["picture"] = name + ".jpg";
+        write(name + ".jpg", picture);
     }
-    write(fileName(record) + recordSuffix, indented(record.toJson()) + "\n");
-    m_records.push_back(record);
-    return record;
-}
-
-std::vector<Record> Store::records() const
-{
-    const std::lock_guard lock(m_mutex);
-    return m_records;
-}
-
-DayTotals Store::today(const std::string& email, const std::string& id) const
-{
-    const std::string day = dateTime(std::time(nullptr)).substr(0, 10);
-    const std::lock_guard lock(m_mutex);
-    DayTotals totals;
-    for (const Record& record : m_records) {
-        if (record.kind != "activity" || text(record.content, "email") != email
-            || dateTime(record.time).substr(0, 10) != day) {
-            continue;
-        }
-        ++totals.total;
-        if (number(text(record.content, "active")).value_or(0) > 0)
-            ++totals.active;
-        if (text(record.content, "task_id") == id || text(record.content, "team_id") == id)
-            ++totals.task;
-    }
-    return totals;
+    write(name + ".json", indented(record) + "\n");
+    m_records.push_back(std::move(record));
 }
 
 std::optional<std::string> Store::picture(const std::string& name) const
 {
-    const std::lock_guard lock(m_mutex);
-    const bool isKept = !name.empty()
-        && std::any_of(m_records.begin(), m_records.end(),
-                       [&name](const Record& record) { return record.picture == name; });
-    if (!isKept)
-        return std::nullopt;
-    return contentOf(m_folder / name);
+    for (const Json& record : m_records) {
+        if (!name.empty() && text(record, "picture") == name)
+            return contentOf(m_folder / name);
+    }
+    return std::nullopt;
 }
 
 void Store::clear()
 {
-    const std::lock_guard lock(m_mutex);
-    for (const Record& record : m_records) {
-        fs::remove(m_folder / (fileName(record) + recordSuffix));
-        if (!record.picture.empty())
-            fs::remove(m_folder / record.picture);
+    for (const Json& record : m_records) {
+        for (const char* suffix : {".json", ".jpg"})
+            fs::remove(m_folder / (fileName(record) + suffix));
     }
     m_records.clear();
     m_requestCounts.clear();
     std::ofstream(m_folder / requestLog, std::ios::trunc);
-}
-
-void Store::load()
-{
-    for (const fs::directory_entry& entry : fs::directory_iterator(m_folder)) {
-        if (entry.path().extension() != recordSuffix)
-            continue;
-        if (auto record = recordIn(entry.path()))
-            m_records.push_back(std::move(*record));
-    }
-    std::sort(m_records.begin(), m_records.end(),
-              [](const Record& a, const Record& b) { return a.number < b.number; });
 }
 
 void Store::write(const std::string& name, const std::string& content) const

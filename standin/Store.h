@@ -4,7 +4,6 @@
 #include <ctime>
 #include <filesystem>
 #include <map>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,28 +12,20 @@
 
 namespace standin {
 
-/// A confirmed record.
-struct Record {
-    int number = 0; ///< from 1, in the order of confirmation
-    std::string kind; ///< "activity", "screenshot" or "deadline"
-    std::time_t received = 0;
-    std::time_t time = 0; ///< the moment it tells of: earlier than received for a late one
-    std::string picture; ///< name of a file in the store; empty without one
-    Json content; ///< as the client sent it, without the picture
+/// Confirmed records, as their files have them: "n", from 1 in the order of confirmation; "kind":
+/// "activity", "screenshot" or "deadline"; "received"; "time", the moment it tells of, which is
+/// earlier for a late one; "record", as the client sent it but for the picture; and, where there is
+/// one, "picture", the name of a file in the store.
+using Records = std::vector<Json>;
 
-    Json toJson() const;
-};
-
-/// Time booked on one day, in minutes.
-struct DayTotals {
-    int total = 0;
-    int active = 0;
-    int task = 0;
-};
+/// Whether the record is a minute of the present day.
+bool isMinuteOfToday(const Json& record);
+/// Whether there was input in it.
+bool hasInput(const Json& record);
 
 /// The folder with what the service has received. Each confirmed record is a readable JSON file
 /// with a picture beside it where there is one, and each request a line of requests.jsonl. What the
-/// folder holds at the start is taken up. All functions may be called from any thread.
+/// folder holds at the start is taken up.
 class Store {
 public:
     /// Makes the folder. Throws std::runtime_error when it cannot be used.
@@ -45,16 +36,13 @@ public:
     /// Appends a line and counts it under the name; it is in the file when this returns.
     void logRequest(const std::string& name, const Json& request);
     /// Name to number of requests since the start.
-    std::map<std::string, int> requestCounts() const;
+    const std::map<std::string, int>& requestCounts() const { return m_requestCounts; }
 
-    /// Numbers the record, writes it down and returns it. It appears whole or, with
+    /// Keeps a record of something so many seconds ago. It appears whole or, with
     /// std::runtime_error, not at all.
-    Record keep(Record record, const std::string& picture);
-    std::vector<Record> records() const;
-
-    /// What this user has booked on the present day; of it as "task" what names the id as task or
-    /// team.
-    DayTotals today(const std::string& email, const std::string& id) const;
+    void keep(const std::string& kind, std::time_t age, const Json& content,
+              const std::string& picture = {});
+    const Records& records() const { return m_records; }
 
     /// The bytes of a kept picture; nothing for a name that no record has.
     std::optional<std::string> picture(const std::string& name) const;
@@ -63,12 +51,10 @@ public:
     void clear();
 
 private:
-    void load();
     void write(const std::string& name, const std::string& content) const;
 
-    mutable std::mutex m_mutex;
     const std::filesystem::path m_folder;
-    std::vector<Record> m_records;
+    Records m_records;
     std::map<std::string, int> m_requestCounts;
 };
 

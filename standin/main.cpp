@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -8,15 +7,13 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
-#include <vector>
 
-#include <httplib.h>
-#include <sys/socket.h>
-#include <unistd.h>
+#include <getopt.h>
+#include <pthread.h>
 
 #include "Certificate.h"
-#include "Connections.h"
 #include "Faults.h"
+#include "Server.h"
 #include "Service.h"
 #include "ServiceData.h"
 #include "Store.h"
@@ -50,36 +47,53 @@ struct Options {
     bool help = false;
 };
 
+int smallNumber(const std::string& text)
+{
+    const auto count = number(text);
+    if (!count || *count < 0 || *count > 65535)
+        throw std::runtime_error("a number up to 65535 is needed, not " + text);
+    return static_cast<int>(*count);
+}
+
 /// Throws std::runtime_error for what is no option.
 Options parsedOptions(int argc, char* argv[])
 {
+    enum { Port = 1, Data, Store, Idle, Quiet, Help };
+    const option known[] = {{"port", required_argument, nullptr, Port},
+                            {"data", required_argument, nullptr, Data},
+                            {"store", required_argument, nullptr, Store},
+                            {"idle", required_argument, nullptr, Idle},
+                            {"quiet", no_argument, nullptr, Quiet},
+                            {"help", no_argument, nullptr, Help},
+                            {}};
     Options options;
-    for (int i = 1; i < argc; ++i) {
-        const std::string name = argv[i];
-        if (name == "--quiet") {
+    int found = 0;
+    while ((found = getopt_long(argc, argv, "", known, nullptr)) != -1) {
+        switch (found) {
+        case Port:
+            options.port = smallNumber(optarg);
+            break;
+        case Data:
+            options.data = optarg;
+            break;
+        case Store:
+            options.store = optarg;
+            break;
+        case Idle:
+            options.idleSeconds = smallNumber(optarg);
+            break;
+        case Quiet:
             options.quiet = true;
-            continue;
-        }
-        if (name == "--help") {
+            break;
+        case Help:
             options.help = true;
-            continue;
-        }
-        if (name != "--port" && name != "--data" && name != "--store" && name != "--idle")
-            throw std::runtime_error("unknown option " + name);
-        if (++i == argc)
-            throw std::runtime_error(name + " needs a value");
-        const std::string value = argv[i];
-        if (name == "--data") {
-            options.data = value;
-        } else if (name == "--store") {
-            options.store = value;
-        } else {
-            const auto count = number(value);
-            if (!count || *count < 0 || *count > 65535)
-                throw std::runtime_error(name + " takes a number up to 65535, not " + value);
-            (name == "--port" ? options.port : options.idleSeconds) = static_cast<int>(*count);
+            break;
+        default:
+            throw std::runtime_error("see --help");
         }
     }
+    if (optind < argc)
+        throw std::runtime_error(std::string("unknown argument ") + argv[optind]);
     return options;
 }
 
@@ -91,81 +105,39 @@ std::string newTemporaryFolder()
     return name;
 }
 
-std::unique_ptr<httplib::SSLServer> makeServer(const Certificate& certificate, int idleSeconds,
-                                               Service& service)
-{
-    auto server =
-        std::make_unique<httplib::SSLServer>(certificate.certificate.get(), certificate.key.get());
-    if (!server->is_valid())
-        throw std::runtime_error("OpenSSL does not take the certificate");
-    // What services of today ask for.
-    SSL_CTX_set_min_proto_version(server->ssl_context(), TLS1_2_VERSION);
-    // The library's default lets two programs share a port and its requests.
-    server->set_socket_options([](socket_t socket) {
-        const int on = 1;
-        setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-    });
-    // An open connection takes a thread, hanging ones for long.
-    constexpr int threads = 64;
-    server->new_task_queue = [] { return new httplib::ThreadPool(threads); };
-    server->set_keep_alive_max_count(1000);
-    server->set_keep_alive_timeout(idleSeconds);
-    server->set_read_timeout(std::chrono::seconds(30));
-    server->set_write_timeout(std::chrono::seconds(30));
-    server->set_tcp_nodelay(true);
-    server->set_exception_handler(
-        [](const httplib::Request& request, httplib::Response& response, std::exception_ptr error) {
-            try {
-                std::rethrow_exception(error);
-            } catch (const std::exception& exception) {
-                std::cerr << request.path + ": " + exception.what() + "\n";
-            }
-            response.status = 500;
-        });
-    service.addTo(*server);
-    return server;
-}
-
+/// Does not come back.
 void run(const Options& options, const sigset_t& stopSignals)
 {
     ServiceData data(options.data);
     Store store(options.store.empty() ? newTemporaryFolder() : options.store);
     Faults faults;
-    Service service(data, store, faults, options.quiet);
+    Service service(data, store, faults);
+    Server server(service, store, faults, options.quiet);
     const Certificate certificate = makeCertificate();
 
-    std::vector<std::unique_ptr<httplib::SSLServer>> servers;
-    servers.push_back(makeServer(certificate, options.idleSeconds, service));
+    const auto first = server.listener(certificate, options.idleSeconds);
     int port = options.port;
     if (port == 0)
-        port = servers.front()->bind_to_any_port("127.0.0.1");
-    else if (!servers.front()->bind_to_port("127.0.0.1", port))
+        port = first->bind_to_any_port("127.0.0.1");
+    else if (!first->bind_to_port("127.0.0.1", port))
         port = -1;
     if (port < 0)
         throw std::runtime_error("port " + std::to_string(options.port) + " cannot be used");
     // "localhost" may mean this one first; a machine without it does well with the other.
-    auto second = makeServer(certificate, options.idleSeconds, service);
-    if (second->bind_to_port("::1", port))
-        servers.push_back(std::move(second));
-
-    std::vector<std::thread> threads;
-    for (const auto& server : servers)
-        threads.emplace_back([&server = *server] { server.listen_after_bind(); });
-    for (const auto& server : servers) {
-        while (!server->is_running())
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
+    const auto second = server.listener(certificate, options.idleSeconds);
+    const bool hasSecond = second->bind_to_port("::1", port);
+    // What is bound takes connections, even before its thread comes to them.
+    std::thread([&] { first->listen_after_bind(); }).detach();
+    if (hasSecond)
+        std::thread([&] { second->listen_after_bind(); }).detach();
     std::cout << "tessaport-standin listens on https://localhost:" << port << "/ and keeps what it"
               << " receives in " << store.folder().string() << std::endl;
 
     int signal = 0;
     sigwait(&stopSignals, &signal);
-    for (const auto& server : servers)
-        server->stop();
-    faults.stop();
-    Connections::dropAll();
-    for (std::thread& thread : threads)
-        thread.join();
+    server.finish();
+    // Connections end with the process; the library would wait for idle ones.
+    std::_Exit(EXIT_SUCCESS);
 }
 
 } // namespace
@@ -180,10 +152,9 @@ int main(int argc, char* argv[])
     pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
     try {
         const Options options = parsedOptions(argc, argv);
-        if (options.help)
-            std::cout << usage << Service::orders();
-        else
+        if (!options.help)
             run(options, stopSignals);
+        std::cout << usage << ServiceData::explanation() << Service::orders();
         return EXIT_SUCCESS;
     } catch (const std::exception& error) {
         std::cerr << "tessaport-standin: " << error.what() << "\n";
