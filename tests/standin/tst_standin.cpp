@@ -82,6 +82,8 @@ private slots:
         late.start();
         QCOMPARE(exchange(activityPath, report("active", "1")), ok);
         QVERIFY(late.elapsed() >= 300);
+        // And not because the network layer sent it again.
+        QCOMPARE(m_standIn.requests(activityPath).size(), 1);
 
         // By hand, since the network layer would send it again.
         m_standIn.fail(activityPath, QStringLiteral("hang"));
