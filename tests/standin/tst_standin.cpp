@@ -39,12 +39,14 @@ private slots:
 
     void keepsAndShowsReports()
     {
-        // Far larger than a form that the HTTP library takes by itself.
-        const QByteArray picture = QByteArray("\xff\xd8\xff\0", 4) + QByteArray(200000, '\x9a');
+        // Far larger than a form that the HTTP library takes by itself, and padded.
+        const QByteArray picture =
+            QByteArray("\xff\xd8\xff\0", 4) + QByteArray(200000, '\x9a') + 'x';
         QByteArray pictureReport = report("file", picture.toBase64());
         pictureReport.replace("%22past%22", "%22fileName%22%3A%22x%22%2C%22past%22");
         QCOMPARE(exchange(QStringLiteral("/api_screenshot"), pictureReport), QByteArray("ok"));
         QCOMPARE(exchange(activityPath, report("active", "7")), ok);
+        QCOMPARE(exchange(activityPath, report("active", "0")), ok);
         QCOMPARE(exchange(activityPath, report("active", "10", "172800")), ok);
         for (const QByteArray& malformed :
              {report("active", "7").mid(1), report("active", "7").chopped(2),
@@ -54,9 +56,9 @@ private slots:
         // It comes back with what it kept; the late report belongs to an earlier day.
         m_standIn.stop();
         QVERIFY(m_standIn.start());
-        QCOMPARE(m_standIn.confirmedRecords().size(), 3);
+        QCOMPARE(m_standIn.confirmedRecords().size(), 4);
         QVERIFY(exchange(QStringLiteral("/api_get_active?login=demo@example.com&password=demo"))
-                    .startsWith(R"({"today_active":1,"today_total":1,)"));
+                    .startsWith(R"({"today_active":1,"today_total":2,)"));
         QVERIFY(exchange(QStringLiteral("/monitor/")).contains("/picture/000001-screenshot.jpg"));
         QCOMPARE(exchange(QStringLiteral("/picture/000001-screenshot.jpg")), picture);
     }
