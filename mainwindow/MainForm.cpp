@@ -3,6 +3,7 @@
 
 #include "capture/UserActivityWatcher.h"
 #include "dialogs/AboutForm.h"
+#include "dialogs/CalendarForm.h"
 #include "dialogs/LoginForm.h"
 #include "dialogs/ScrollText.h"
 #include "dialogs/TaskForm.h"
@@ -104,10 +105,14 @@ void MainForm::setupConnections()
     connect(this, &MainForm::showAll, this, &MainForm::showAllHandler);
 }
 
-void MainForm::onTaskFormAccepted()
+void MainForm::on_actionExit_triggered()
 {
-    m_tessaPort->setCurrentTask(m_taskForm->selectedTeamId(), m_taskForm->selectedTaskId());
+    qDebug("MainForm on_actExit_activated");
+    accept();
+    QCoreApplication::quit();
 }
+
+// --- The other windows
 
 void MainForm::on_actionChangeAccount_triggered()
 {
@@ -116,9 +121,52 @@ void MainForm::on_actionChangeAccount_triggered()
     loginForm.exec();
 }
 
-void MainForm::on_actionExit_triggered()
+void MainForm::on_pbTask_clicked()
 {
-    qDebug("MainForm on_actExit_activated");
-    accept();
-    QCoreApplication::quit();
+    m_taskForm->show();
+    m_taskForm->activateWindow();
+    m_taskForm->reload();
+}
+
+void MainForm::onTaskFormAccepted()
+{
+    m_tessaPort->setCurrentTask(m_taskForm->selectedTeamId(), m_taskForm->selectedTaskId());
+}
+
+void MainForm::toggleTaskList()
+{
+    if (m_taskListForm->isVisible()) {
+        m_taskListForm->on_pbHide_clicked();
+        return;
+    }
+    m_taskListForm->bringUpToDate();
+    m_taskListForm->show();
+    NotificationManager::instance()->raiseAll();
+}
+
+void MainForm::on_pbTimeExtend_clicked()
+{
+    const Session* session = m_tessaPort->session();
+    if (session->taskID() == unassignedTaskId || session->teamID() == teamWithoutDeadlines) {
+        NotificationManager::instance()->showPlain(
+            QStringLiteral("Для данной задачи невозможно выполнить перенос дедлайна."));
+        return;
+    }
+    // A form that is cancelled stays, hidden, as long as this window does.
+    auto* calendarForm = new CalendarForm(nullptr);
+    connect(this, &QObject::destroyed, calendarForm, [calendarForm] { delete calendarForm; });
+    connect(calendarForm, &CalendarForm::accepted, this, &MainForm::onRequestDeadlineAccepted);
+    calendarForm->exec();
+}
+
+void MainForm::onRequestDeadlineAccepted()
+{
+    auto* calendarForm = qobject_cast<CalendarForm*>(sender());
+    if (!calendarForm)
+        return;
+    const QTime time = calendarForm->selectedTime();
+    const QString reason = calendarForm->getReason();
+    const QDate date = calendarForm->selectedDate();
+    m_tessaPort->requestDeadline(date, reason, time);
+    calendarForm->deleteLater();
 }

@@ -3,9 +3,7 @@
 
 #include "desktop/AutoRun.h"
 #include "dialogs/AboutForm.h"
-#include "dialogs/CalendarForm.h"
 #include "dialogs/TaskForm.h"
-#include "dialogs/TaskListForm.h"
 #include "dialogs/TitleText.h"
 #include "dialogs/WindowPlace.h"
 #include "mainwindow/TimeText.h"
@@ -343,29 +341,9 @@ void MainForm::on_pbMinimize_clicked()
     emit hideAll();
 }
 
-// --- The other windows
-
 void MainForm::on_pbNotice_clicked()
 {
     NotificationManager::instance()->toggle();
-}
-
-void MainForm::on_pbTask_clicked()
-{
-    m_taskForm->show();
-    m_taskForm->activateWindow();
-    m_taskForm->reload();
-}
-
-void MainForm::toggleTaskList()
-{
-    if (m_taskListForm->isVisible()) {
-        m_taskListForm->on_pbHide_clicked();
-        return;
-    }
-    m_taskListForm->bringUpToDate();
-    m_taskListForm->show();
-    NotificationManager::instance()->raiseAll();
 }
 
 void MainForm::on_actionAbout_triggered()
@@ -374,31 +352,4 @@ void MainForm::on_actionAbout_triggered()
     bringBack(m_aboutForm.get());
     m_aboutForm->raise();
     m_aboutForm->activateWindow();
-}
-
-void MainForm::on_pbTimeExtend_clicked()
-{
-    const Session* session = m_tessaPort->session();
-    if (session->taskID() == unassignedTaskId || session->teamID() == teamWithoutDeadlines) {
-        NotificationManager::instance()->showPlain(
-            QStringLiteral("Для данной задачи невозможно выполнить перенос дедлайна."));
-        return;
-    }
-    // A form that is cancelled stays, hidden, as long as this window does.
-    auto* calendarForm = new CalendarForm(nullptr);
-    connect(this, &QObject::destroyed, calendarForm, [calendarForm] { delete calendarForm; });
-    connect(calendarForm, &CalendarForm::accepted, this, &MainForm::onRequestDeadlineAccepted);
-    calendarForm->exec();
-}
-
-void MainForm::onRequestDeadlineAccepted()
-{
-    auto* calendarForm = qobject_cast<CalendarForm*>(sender());
-    if (!calendarForm)
-        return;
-    const QTime time = calendarForm->selectedTime();
-    const QString reason = calendarForm->getReason();
-    const QDate date = calendarForm->selectedDate();
-    m_tessaPort->requestDeadline(date, reason, time);
-    calendarForm->deleteLater();
 }
