@@ -48,9 +48,8 @@ LoginForm::LoginForm(TessaPort* service, QWidget* parent)
     , m_service(service)
 {
     m_ui->setupUi(this);
-    for (QLineEdit* const field : {m_ui->lbEmail, m_ui->lbPassword}) {
+    for (QLineEdit* const field : {m_ui->lbEmail, m_ui->lbPassword})
         field->setTextMargins(fieldTextIndent, 0, fieldTextIndent, 0);
-    }
     // After the connections by name, which it would break; the style sheet goes by this name.
     m_ui->pbEnter->setObjectName(QStringLiteral("pbTessaport"));
     keepMouseWithButtons(this);
@@ -91,9 +90,8 @@ bool LoginForm::eventFilter(QObject* object, QEvent* event)
         event->accept();
         return true;
     }
-    if (object == m_ui->wTop) {
+    if (object == m_ui->wTop)
         dragWindow(this, m_lastMousePos, event);
-    }
     return false;
 }
 
@@ -117,9 +115,8 @@ void LoginForm::on_pbEnter_clicked()
 void LoginForm::errorOccured(int error)
 {
     const QString text = errorText(error);
-    if (!text.isNull()) {
+    if (!text.isNull())
         m_ui->lbInfo->setText(text);
-    }
     m_ui->pbEnter->setEnabled(true);
 }
 

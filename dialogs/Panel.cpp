@@ -24,9 +24,8 @@ void dragWindow(QWidget* window, QPoint& lastMousePos, QEvent* event)
 void keepMouseWithButtons(QWidget* window)
 {
     const auto buttons = window->findChildren<QAbstractButton*>();
-    for (QAbstractButton* const button : buttons) {
+    for (QAbstractButton* const button : buttons)
         button->setAttribute(Qt::WA_NoMousePropagation);
-    }
 }
 
 void centreOnScreen(QWidget* window)

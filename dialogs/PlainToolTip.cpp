@@ -33,9 +33,8 @@ QString withPartedWords(const QString& text)
 
 QString plainToolTip(const QString& text)
 {
-    if (text.size() <= longestLine && !Qt::mightBeRichText(text)) {
+    if (text.size() <= longestLine && !Qt::mightBeRichText(text))
         return text;
-    }
     return Qt::convertFromPlainText(withPartedWords(shortText(text, longestText)),
                                     Qt::WhiteSpaceNormal);
 }

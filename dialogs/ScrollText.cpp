@@ -34,27 +34,23 @@ QImage screenImage(const QSize& size, qreal ratio)
 void fillFadeMask(QImage& mask, int width, qreal ratio)
 {
     mask.fill(0xff000000u);
-    if (mask.isNull() || width <= widestWithoutFade) {
+    if (mask.isNull() || width <= widestWithoutFade)
         return;
-    }
     const auto firstLine = reinterpret_cast<QRgb*>(mask.scanLine(0));
     for (int pixel = 0; pixel < mask.width(); ++pixel) {
         const int column = qFloor(pixel / ratio);
         const int step = std::min(column, width - 1 - column) + 1;
-        if (step <= fadeWidth) {
+        if (step <= fadeWidth)
             firstLine[pixel] = uint(std::max(step, 1)) << 28;
-        }
     }
-    for (int line = 1; line < mask.height(); ++line) {
+    for (int line = 1; line < mask.height(); ++line)
         std::copy_n(firstLine, mask.width(), reinterpret_cast<QRgb*>(mask.scanLine(line)));
-    }
 }
 
 qreal leftFadeOpacity(int offset)
 {
-    if (offset >= 0) {
+    if (offset >= 0)
         return 1.0;
-    }
     return offset < -7 ? 0.0 : (offset + 8) * 0.125;
 }
 
@@ -112,9 +108,8 @@ void ScrollText::updateShownText()
     if (m_scrolling) {
         m_offset = -restTicks;
         m_shownText.setText(line + m_separator);
-        if (isVisible()) {
+        if (isVisible())
             m_timer.start();
-        }
     } else {
         m_shownText.setText(line);
     }
@@ -126,9 +121,8 @@ void ScrollText::updateShownText()
 void ScrollText::timer_timeout()
 {
     // An empty text has no width to take a remainder by.
-    if (m_shownSize.width() > 0) {
+    if (m_shownSize.width() > 0)
         m_offset = (m_offset + 1) % m_shownSize.width();
-    }
     update();
 }
 
@@ -139,9 +133,8 @@ void ScrollText::resizeEvent(QResizeEvent*)
     m_fadeMask = screenImage(size(), m_ratio);
     fillFadeMask(m_fadeMask, width(), m_ratio);
     m_picture = QImage();
-    if (overflows() != m_scrolling) {
+    if (overflows() != m_scrolling)
         updateShownText();
-    }
 }
 
 void ScrollText::paintEvent(QPaintEvent*)
