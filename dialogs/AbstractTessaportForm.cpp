@@ -15,7 +15,7 @@ AbstractTessaportForm::AbstractTessaportForm(QWidget* parent)
 {
     m_ui->setupUi(this);
     setAttribute(Qt::WA_TranslucentBackground);
-    // The panels stand beside each other and beside the strip, and only one of them is active.
+    // The windows stand beside each other and beside the strip, and only one of them is active.
     setAttribute(Qt::WA_AlwaysShowToolTips);
     setWindowFlags((windowFlags() & Qt::Dialog) | Qt::FramelessWindowHint
                    | Qt::WindowStaysOnTopHint);
@@ -64,9 +64,8 @@ bool AbstractTessaportForm::eventFilter(QObject* object, QEvent* event)
 {
     if (m_movable && object == this) {
         // Comes once, before the form is shown, when the subclass has made its children.
-        if (event->type() == QEvent::Polish) {
+        if (event->type() == QEvent::Polish)
             keepMouseWithButtons(this);
-        }
         dragWindow(this, m_lastMousePos, event);
     }
     return QDialog::eventFilter(object, event);

@@ -6,7 +6,7 @@
 class QEvent;
 class QWidget;
 
-// What all frameless windows do: follow a drag, open in the middle of the screen.
+// For frameless windows: to follow a drag, to open in the middle of the screen.
 
 /// Lets the window follow a mouse event of the widget that it is dragged by: a press of any button
 /// starts, a move with the left one drags. The last position is a global one, so that the moving

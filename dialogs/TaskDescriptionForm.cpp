@@ -26,7 +26,7 @@ constexpr int longestFileName = 214;
 /// In characters, of what a label shows in one line or a few.
 constexpr int longestLabel = 1000;
 
-// As in the task list, the picture named hovered is the one at rest.
+// As in the task list, the picture named hovered is the one at rest; see docs/decisions.md.
 QString pageButtonStyle()
 {
     return QStringLiteral(
@@ -77,7 +77,7 @@ TaskDescriptionForm::TaskDescriptionForm(const QString& taskId, TessaPort* servi
     , m_taskId(taskId)
 {
     qDebug() << "TaskDescriptionForm TaskDescriptionForm";
-    // A modal panel would lock the list, whose buttons have to close it.
+    // A modal window would lock the list, whose buttons have to close it.
     setModal(false);
     m_ui->setupUi(this);
     setObjectName(QStringLiteral("TaskDescriptionForm"));

@@ -16,7 +16,7 @@ namespace Ui {
 class TaskDescriptionForm;
 }
 
-/// The panel beside the task list that shows all that is known of one task: deadline, people,
+/// The window beside the task list that shows all that is known of one task: deadline, people,
 /// attachments and description on one page, its writing assignments on another. It is used beside
 /// the other windows: it is not modal and can't be dragged. Shown or hidden, it follows what the
 /// service tells of its task.

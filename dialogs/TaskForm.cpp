@@ -15,9 +15,8 @@ namespace {
 
 QString itemText(const Task& task)
 {
-    if (!task.deadline.isValid()) {
+    if (!task.deadline.isValid())
         return task.title;
-    }
     return task.title + QStringLiteral(" | Истекает: ")
         + task.deadline.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }
@@ -32,9 +31,8 @@ void addItem(QComboBox* box, const QIcon& icon, const QString& text, const QStri
 bool selectItem(QComboBox* box, const QString& id)
 {
     const int index = box->findData(id);
-    if (index < 0) {
+    if (index < 0)
         return false;
-    }
     box->setCurrentIndex(index);
     box->setToolTip(box->itemData(index, Qt::ToolTipRole).toString());
     return true;
@@ -102,9 +100,8 @@ void TaskForm::refreshed()
     m_ui->lbLoading->clear();
     m_ui->cbTeam->clear();
     const QList<Team> teams = m_mainForm->service()->session()->teams();
-    for (const Team& team : teams) {
+    for (const Team& team : teams)
         addItem(m_ui->cbTeam, QIcon(), team.name, team.id);
-    }
     m_ui->cbTask->setEnabled(true);
     m_ui->cbTeam->setEnabled(true);
     const int index = selectItem(m_ui->cbTeam, m_teamId) ? m_ui->cbTeam->currentIndex() : 0;
@@ -120,15 +117,12 @@ void TaskForm::on_cbTeam_currentIndexChanged(int index)
 
     const Session* const session = m_mainForm->service()->session();
     QList<Task> tasks = session->blockingTasks(m_teamId);
-    if (tasks.isEmpty()) {
+    if (tasks.isEmpty())
         tasks = session->tasks(m_teamId);
-    }
-    for (const Task& task : qAsConst(tasks)) {
+    for (const Task& task : qAsConst(tasks))
         addItem(m_ui->cbTask, m_mainForm->taskIcon(task), itemText(task), task.id);
-    }
-    if (!selectItem(m_ui->cbTask, m_taskId)) {
+    if (!selectItem(m_ui->cbTask, m_taskId))
         m_ui->cbTask->setCurrentIndex(0);
-    }
 }
 
 void TaskForm::on_cbTask_currentIndexChanged(int index)
@@ -138,7 +132,7 @@ void TaskForm::on_cbTask_currentIndexChanged(int index)
 
 void TaskForm::error(int)
 {
-    // Cleared again by the refill, on purpose: the cached lists are what there is to show.
+    // Cleared again by the refill with the cached lists; see docs/decisions.md.
     m_ui->lbLoading->setText(QStringLiteral("Нет соединения"));
     refreshed();
 }
@@ -150,5 +144,6 @@ void TaskForm::closeTask(QString)
 
 void TaskForm::paintEvent(QPaintEvent* event)
 {
+    // See docs/decisions.md.
     AbstractTessaportForm::paintEvent(event);
 }

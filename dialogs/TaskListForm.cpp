@@ -46,7 +46,7 @@ TaskListForm::TaskListForm(TessaPort* service, AbstractMainForm* mainForm, QWidg
     , m_ui(std::make_unique<Ui::TaskListForm>())
     , m_mainForm(mainForm)
 {
-    // A modal panel would lock the main window, whose second press has to close it.
+    // A modal window would lock the strip, whose second press has to close it.
     setModal(false);
     m_ui->setupUi(this);
     setObjectName(QStringLiteral("TaskListForm"));
@@ -133,8 +133,8 @@ void TaskListForm::updateTeamCombobox()
     const int index = teamIndex(m_currentTeamId);
     if (index < 0)
         return;
-    // The first team is current already and its list is not built here: only a change of the index
-    // builds a list, and this is on purpose.
+    // The first team is current already, so that its list is not built here: that is done when the
+    // window is opened.
     m_ui->cbTeam->setCurrentIndex(index);
     m_ui->cbTeam->setToolTip(m_ui->cbTeam->itemData(index, Qt::ToolTipRole).toString());
 }

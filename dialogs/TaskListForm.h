@@ -19,7 +19,7 @@ namespace Ui {
 class TaskListForm;
 }
 
-/// The panel above the main window that lists the tasks of a team, each with a button for its
+/// The window above the strip that lists the tasks of a team, each with a button for its
 /// details. It is used beside the other windows: it is not modal and can't be dragged. The list
 /// is built when another team is chosen, or when it is brought up to date, and stays as it is in
 /// between.

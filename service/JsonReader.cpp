@@ -198,7 +198,7 @@ QVariant Reader::readObject()
             break;
         }
 
-        // On purpose without a look at the character that opens the key.
+        // Without a look at the character that opens the key; see docs/decisions.md.
         const QString key = *m_keys.insert(readString().toString());
         if (!m_success)
             return QVariantMap();

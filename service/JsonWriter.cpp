@@ -131,7 +131,7 @@ bool Writer::writeScalar(const QVariant& data)
     }
     if (data.userType() == QMetaType::QDate) {
         const QDate date = data.toDate();
-        // On purpose by the format of date and time, here too.
+        // The format of date and time decides here, too; see docs/decisions.md.
         writeString(s_dateTimeFormat.isEmpty() ? date.toString(Qt::TextDate)
                                                : date.toString(s_dateFormat));
         return true;

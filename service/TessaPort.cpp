@@ -132,8 +132,8 @@ void TessaPort::handleFailure(QNetworkReply* reply)
             "Запрос на продление задачи не удалось отправить, повторите попытку позже."));
         break;
     case Details:
-        // On purpose not the property that the request sets: no window is to take this for the
-        // details of its task.
+        // Not the property that the request sets: no window is to take this for the details of
+        // its task; see docs/decisions.md.
         emit taskInfoUpdated(session()->taskInfo(reply->property("id").toString()));
         break;
     case Report:

@@ -125,9 +125,9 @@ private:
     bool checkReply(const QByteArray& data);
     void setOnlineByResult(ResultCode code);
 
-    // The road of a report: sendReport() puts it on disk and posts it, and so does
-    // sendNextReportFile() with one that has waited. postReport() counts it as pending, and
-    // reportAnswered() as not pending any more, whatever became of it.
+    // The road of a report: sendReport() puts it on disk and posts it, and sendNextReportFile()
+    // posts one that has waited. postReport() counts it as pending, and reportAnswered() as not
+    // pending any more, whatever became of it.
 
     /// What the disk did not take; memory has the only copy, until the service has confirmed it.
     struct UnwrittenReport {

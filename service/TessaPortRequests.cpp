@@ -184,8 +184,8 @@ void TessaPort::handleTimeSync(QNetworkReply* reply)
     session()->beginDay();
     session()->setTodayActivetime(totals.active);
     session()->setTodayWorktime(totals.total);
-    // On purpose not the property that the request sets: the time lands under the empty key, and
-    // no task's own entry is touched.
+    // Not the property that the request sets: the time lands under the empty key, and no task's own
+    // entry is touched; see docs/decisions.md.
     const QString taskId = reply->property("taskId").toString();
     if (taskId != unassignedTaskId)
         session()->setTaskActiveTime(taskId, totals.task);
@@ -210,7 +210,7 @@ void TessaPort::handleUpdate(QNetworkReply* reply)
     qDebug() << "Update data: " << data;
     UpdateState::instance()->setUpdateInfo(data);
     const QString latest = UpdateState::instance()->latestVersion();
-    // As texts, on purpose: versions are issued so that this order holds.
+    // As texts; see docs/decisions.md.
     const bool isNewer = QCoreApplication::applicationVersion() < latest;
     emit updateAvailable(isNewer);
     if (isNewer)

@@ -16,8 +16,8 @@
 
 namespace {
 
-// What Qt's readers of lists and maps can be nested to without an end of the stack, and its reader
-// of a type's name as well.
+// How deep lists and maps can be nested, and how long the name of a type can be, without an end of
+// the stack in Qt's readers.
 constexpr int maximumDepth = 600;
 constexpr int maximumNameLength = 100;
 

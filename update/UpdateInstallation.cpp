@@ -29,7 +29,7 @@ void UpdateState::installUpdate()
         qDebug() << "Error! Can't remove file " << installed << " from " << dropDirectory.path();
         return;
     }
-    // The notice tells of a first installation only; a replacement is silent on purpose.
+    // The notice tells of a first installation only; see docs/decisions.md.
     if (QFile::copy(drop, installed))
         QFile::remove(drop);
     else

@@ -9,8 +9,8 @@ namespace platform {
 
 namespace {
 
-// The exclusive-or of the two values, on purpose: different combinations can meet on one id. The
-// system keeps both then, and what gives back the one may give back the other.
+// The exclusive-or of the two values, so that different combinations can meet on one id; see
+// docs/decisions.md.
 int hotKeyId(NativeKeys keys)
 {
     return static_cast<int>(keys.second ^ keys.first);
