@@ -6,6 +6,8 @@
 #include "res/Resources.h"
 
 #include <QIcon>
+#include <QImageReader>
+#include <QPixmap>
 #include <QWidget>
 
 namespace {
@@ -38,6 +40,20 @@ int& withoutDesktopHabits(int& argc)
     return argc;
 }
 
+/// Without the picture for starters, which every window would hand to the display, too.
+QIcon programIcon()
+{
+    constexpr int largest = 64;
+    QImageReader file(QStringLiteral(":/icons/64.ico"));
+    QIcon icon;
+    for (int i = 0; i < file.imageCount(); ++i) {
+        file.jumpToImage(i);
+        if (file.size().width() <= largest)
+            icon.addPixmap(QPixmap::fromImageReader(&file));
+    }
+    return icon;
+}
+
 } // namespace
 
 Application::Application(int& argc, char** argv)
@@ -50,7 +66,7 @@ Application::Application(int& argc, char** argv)
     // for menus, lists and tool tips.
     installFonts();
     installEventFilter(new WindowShapes(this));
-    setWindowIcon(QIcon(QStringLiteral(":/icons/64.ico")));
+    setWindowIcon(programIcon());
 }
 
 void Application::showMainForm()

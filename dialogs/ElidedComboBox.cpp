@@ -4,6 +4,7 @@
 #include "dialogs/ShortText.h"
 
 #include <QItemDelegate>
+#include <QListView>
 #include <QStylePainter>
 
 #include <algorithm>
@@ -32,10 +33,16 @@ protected:
 
 } // namespace
 
-ElidedComboBox::ElidedComboBox(QWidget* parent)
-    : QComboBox(parent)
+void ElidedComboBox::showPopup()
 {
-    setItemDelegate(new RowDelegate(this));
+    // With the delegate comes the list, a window of its own, for a box that may never be opened.
+    if (!m_hasDelegate) {
+        setItemDelegate(new RowDelegate(this));
+        // Else each opening measures every row, which takes most of a second for 10,000 tasks.
+        qobject_cast<QListView*>(view())->setUniformItemSizes(true);
+        m_hasDelegate = true;
+    }
+    QComboBox::showPopup();
 }
 
 void ElidedComboBox::paintEvent(QPaintEvent*)

@@ -7,8 +7,13 @@
 /// stands in one line, here and there. currentText() stays the whole text.
 class ElidedComboBox : public QComboBox {
 public:
-    explicit ElidedComboBox(QWidget* parent = nullptr);
+    using QComboBox::QComboBox;
+
+    void showPopup() override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    bool m_hasDelegate = false;
 };

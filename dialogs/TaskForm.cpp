@@ -8,7 +8,6 @@
 #include "service/TessaPort.h"
 #include "ui_TaskForm.h"
 
-#include <QListView>
 #include <QSignalBlocker>
 
 namespace {
@@ -50,10 +49,6 @@ TaskForm::TaskForm(AbstractMainForm* mainForm, QWidget* parent)
     // After the connections by name, which it would break; the style sheet goes by this name.
     m_ui->pbOk->setObjectName(QStringLiteral("pbTessaport"));
     m_ui->pbCancel->setObjectName(QStringLiteral("pbTessaport"));
-    for (QComboBox* const box : {m_ui->cbTeam, m_ui->cbTask}) {
-        // Else each opening measures every row, which takes most of a second for 10,000 tasks.
-        qobject_cast<QListView*>(box->view())->setUniformItemSizes(true);
-    }
     setBackground(QStringLiteral(":/images/main.png"));
     setWindowModality(Qt::WindowModal);
     centreOnScreen(this);

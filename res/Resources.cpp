@@ -7,6 +7,7 @@
 #include <QFontDatabase>
 #include <QPainter>
 #include <QPalette>
+#include <QResource>
 #include <QStyleFactory>
 #include <QTranslator>
 #include <QtMath>
@@ -17,7 +18,10 @@ constexpr int fontPixelSize = 12;
 
 QString addFont(const QString& resource)
 {
-    const int id = QFontDatabase::addApplicationFont(resource);
+    // Where they lie in the program; by its name, the file would be copied for each use.
+    const QResource font(resource);
+    const int id = QFontDatabase::addApplicationFontFromData(QByteArray::fromRawData(
+        reinterpret_cast<const char*>(font.data()), static_cast<int>(font.size())));
     const QStringList families = QFontDatabase::applicationFontFamilies(id);
     if (families.isEmpty()) {
         qWarning() << "The font" << resource << "can't be loaded";
