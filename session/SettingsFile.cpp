@@ -13,6 +13,7 @@
 #include <QVector>
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -75,22 +76,11 @@ QString withoutGuards(QString text)
 
 bool isPlainType(quint32 type)
 {
-    switch (type) {
-    case QMetaType::Bool:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Double:
-    case QMetaType::QString:
-    case QMetaType::QByteArray:
-    case QMetaType::QDate:
-    case QMetaType::QTime:
-    case QMetaType::QDateTime:
-        return true;
-    default:
-        return false;
-    }
+    constexpr quint32 plain[] = {QMetaType::Bool,     QMetaType::Int,        QMetaType::UInt,
+                                 QMetaType::LongLong, QMetaType::ULongLong,  QMetaType::Double,
+                                 QMetaType::QString,  QMetaType::QByteArray, QMetaType::QDate,
+                                 QMetaType::QTime,    QMetaType::QDateTime};
+    return std::find(std::begin(plain), std::end(plain), type) != std::end(plain);
 }
 
 bool canLoad(QDataStream& stream, int type)
