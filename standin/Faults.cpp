@@ -4,31 +4,36 @@
 #include <algorithm>
 #include <random>
 #include <thread>
-#include <utility>
 
 namespace standin {
 namespace {
 
-struct ModeText {
-    Fault::Mode mode;
+struct Known {
     const char* name;
+    Fault::Mode mode;
     const char* meaning;
+    const char* body = "";
 };
 
-constexpr ModeText modeTexts[] = {
-    {Fault::Mode::Refuse, "refuse", "the service's \"no\" as a body"},
-    {Fault::Mode::Delay, "delay", "the right answer, late by ms (default 2000)"},
-    {Fault::Mode::Hang, "hang", "no answer until told otherwise, at most for ms (600000)"},
-    {Fault::Mode::DropBefore, "drop-before", "the connection ends before the body is read"},
-    {Fault::Mode::DropAfter, "drop-after", "it ends after reading; nothing is kept"},
-    {Fault::Mode::DropKept, "drop-kept", "it ends after reading and keeping"},
-    {Fault::Mode::ResetKept, "reset-kept", "it is reset after reading and keeping"},
-    {Fault::Mode::Garbage, "garbage", "bytes that mean nothing"},
-    {Fault::Mode::Html, "html", "a page in the place of data"},
-    {Fault::Mode::Database, "database", "the words for a database out of reach"},
-    {Fault::Mode::Status500, "status500", "an HTTP error"},
-    {Fault::Mode::Endless, "endless", "a body without an end"},
-    {Fault::Mode::Answer, "answer", "the body of the order"},
+constexpr Known knownFaults[] = {
+    {"refuse", Fault::Mode::Body, "the service's \"no\" as a body",
+     R"({"status":-1,"err_msg":"Refused"})"},
+    {"delay", Fault::Mode::Delay, "the right answer, late by ms (default 2000)"},
+    {"hang", Fault::Mode::Hang, "no answer until told otherwise, at most for ms (600000)"},
+    {"drop-before", Fault::Mode::DropBefore, "the connection ends before the body is read"},
+    {"drop-after", Fault::Mode::DropAfter, "it ends after reading; nothing is kept"},
+    {"drop-kept", Fault::Mode::DropKept, "it ends after reading and keeping"},
+    {"reset-kept", Fault::Mode::ResetKept, "it is reset after reading and keeping"},
+    {"garbage", Fault::Mode::Body, "bytes that mean nothing"},
+    {"html", Fault::Mode::Body, "a page in the place of data",
+     "\t<!DOCTYPE html>\n<html><body>Not the page you are looking for</body></html>\n"},
+    // "Не могу соединится с базой данных" in Windows-1251, with the service's own spelling.
+    {"database", Fault::Mode::Body, "the words for a database out of reach",
+     "\xcd\xe5 \xec\xee\xe3\xf3 \xf1\xee\xe5\xe4\xe8\xed\xe8\xf2\xf1\xff \xf1 "
+     "\xe1\xe0\xe7\xee\xe9 \xe4\xe0\xed\xed\xfb\xf5"},
+    {"status500", Fault::Mode::Status500, "an HTTP error"},
+    {"endless", Fault::Mode::Endless, "a body without an end"},
+    {"answer", Fault::Mode::Body, "the body of the order"},
 };
 
 std::string garbage()
@@ -42,11 +47,18 @@ std::string garbage()
 
 } // namespace
 
-std::optional<Fault::Mode> Fault::modeNamed(const std::string& name)
+std::optional<Fault> Fault::named(const std::string& name, const std::string& body)
 {
-    for (const ModeText& text : modeTexts) {
-        if (name == text.name)
-            return text.mode;
+    for (const Known& known : knownFaults) {
+        if (name != known.name)
+            continue;
+        const std::chrono::seconds usual(known.mode == Mode::Hang ? 600 : 2);
+        Fault fault{name, known.mode, known.body, usual, {}};
+        if (name == "answer")
+            fault.body = body;
+        if (name == "garbage")
+            fault.body = garbage();
+        return fault;
     }
     return std::nullopt;
 }
@@ -54,39 +66,18 @@ std::optional<Fault::Mode> Fault::modeNamed(const std::string& name)
 std::string Fault::explanation()
 {
     std::string result;
-    for (const ModeText& text : modeTexts) {
-        std::string name = text.name;
+    for (const Known& known : knownFaults) {
+        std::string name = known.name;
         name.resize(14, ' ');
-        result += "  " + name + text.meaning + "\n";
+        result += "  " + name + known.meaning + "\n";
     }
     return result;
 }
 
-std::optional<std::string> Fault::answer() const
-{
-    switch (mode) {
-    case Mode::Refuse:
-        return R"({"status":-1,"err_msg":"Refused"})";
-    case Mode::Garbage:
-        return garbage();
-    case Mode::Html:
-        return "\t<!DOCTYPE html>\n<html><body>Not the page you are looking for</body></html>\n";
-    case Mode::Database:
-        // "Не могу соединится с базой данных" in Windows-1251, with the service's own spelling.
-        return "\xcd\xe5 \xec\xee\xe3\xf3 \xf1\xee\xe5\xe4\xe8\xed\xe8\xf2\xf1\xff \xf1 "
-               "\xe1\xe0\xe7\xee\xe9 \xe4\xe0\xed\xed\xfb\xf5";
-    case Mode::Answer:
-        return body;
-    default:
-        return std::nullopt;
-    }
-}
-
-void Faults::set(const std::string& path, Fault fault)
+void Faults::set(const std::string& path, const Fault& fault)
 {
     const std::lock_guard lock(m_mutex);
-    fault.order = ++m_orders[path];
-    m_faults.insert_or_assign(path, std::move(fault));
+    m_faults.insert_or_assign(path, fault).first->second.order = ++m_orders[path];
 }
 
 void Faults::clear(const std::string& path)

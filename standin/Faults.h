@@ -12,47 +12,41 @@
 
 namespace standin {
 
-/// How a request is failed. What each mode does stands in explanation().
+/// How a request is failed.
 struct Fault {
     enum class Mode {
-        Refuse,
+        Body, ///< answered with another body
         Delay,
         Hang,
         DropBefore,
         DropAfter,
         DropKept,
         ResetKept,
-        Garbage,
-        Html,
-        Database,
         Status500,
         Endless,
-        Answer,
     };
 
+    std::string name;
     Mode mode;
-    std::string name; ///< of the mode
-    std::optional<int> remaining; ///< how many requests more; nothing means until told otherwise
+    std::string body;
     std::chrono::milliseconds time; ///< of Delay; of Hang the bound
-    std::string body; ///< of Answer
+    std::optional<int> remaining; ///< how many requests more; nothing means until told otherwise
     // Told by Faults:
     int order = 0; ///< which one to its path this is
     int clearings = 0; ///< how many there had been when it was taken
 
-    /// Nothing for a name that is none.
-    static std::optional<Mode> modeNamed(const std::string& name);
-    /// A line for each mode: its name and what it does.
+    /// The fault of this name, for all requests; nothing when there is none. The body is that of
+    /// the order.
+    static std::optional<Fault> named(const std::string& name, const std::string& body);
+    /// A line for each name: what it does.
     static std::string explanation();
-
-    /// The body that the client gets; nothing for modes that have none of their own.
-    std::optional<std::string> answer() const;
 };
 
 /// Which paths are failed at the moment. All functions may be called from any thread.
 class Faults {
 public:
     /// Replaces what the path had. Requests that hang on it are released.
-    void set(const std::string& path, Fault fault);
+    void set(const std::string& path, const Fault& fault);
     /// The path answers rightly again. Requests that hang on it are released.
     void clear(const std::string& path);
     /// All paths answer rightly again. What waits is of the time before, and is not to be answered.

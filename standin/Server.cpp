@@ -148,8 +148,7 @@ bool Server::getsPastFault(const Fault& fault, const httplib::Request& request,
         if (m_faults.wait(request.path, fault,
                           [&request] { return Connections::isClosedByClient(request); }))
             return true;
-        Connections::drop(request);
-        return false;
+        break;
     case Fault::Mode::Status500:
         response.status = 500;
         response.set_content("Internal Server Error", plainText);
@@ -160,13 +159,14 @@ bool Server::getsPastFault(const Fault& fault, const httplib::Request& request,
             return sink.write(piece.data(), piece.size());
         });
         return false;
-    default:
+    case Fault::Mode::Body:
+        response.set_content(fault.body, plainText);
+        return false;
+    case Fault::Mode::DropBefore:
+    case Fault::Mode::DropAfter:
         break;
     }
-    if (const auto answer = fault.answer())
-        response.set_content(*answer, plainText);
-    else
-        Connections::drop(request);
+    Connections::drop(request);
     return false;
 }
 

@@ -216,26 +216,21 @@ Answer Service::fail(const Call& call)
     const Endpoint* const failed = endpoint(path);
     if (!failed || failed->kind == Endpoint::Order)
         return {said("error", "no such path: " + path), plainText, 400};
-    const std::string name = call.value("mode");
-    if (name == "ok") {
+    if (call.value("mode") == "ok") {
         m_faults.clear(path);
         return {done};
     }
-    const auto mode = Fault::modeNamed(name);
+    auto fault = Fault::named(call.value("mode"), call.body);
     const auto count = number(call.value("count"));
     const auto time = number(call.value("ms"));
-    if (!mode || (call.has("count") && count.value_or(0) < 1)
+    if (!fault || (call.has("count") && count.value_or(0) < 1)
         || (call.has("ms") && time.value_or(-1) < 0))
         return {said("error", "mode, count or ms is wrong"), plainText, 400};
-
-    constexpr int usualDelay = 2000;
-    constexpr int longestHang = 600000;
-    Fault fault{*mode, name, {}, {}, call.body};
     if (count)
-        fault.remaining = static_cast<int>(*count);
-    fault.time = std::chrono::milliseconds(
-        time.value_or(*mode == Fault::Mode::Hang ? longestHang : usualDelay));
-    m_faults.set(path, std::move(fault));
+        fault->remaining = static_cast<int>(*count);
+    if (time)
+        fault->time = std::chrono::milliseconds(*time);
+    m_faults.set(path, *fault);
     return {done};
 }
 
