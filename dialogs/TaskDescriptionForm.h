@@ -2,7 +2,6 @@
 #pragma once
 
 #include "dialogs/AbstractTessaportForm.h"
-
 #include "session/Records.h"
 
 #include <QString>

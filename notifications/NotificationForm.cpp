@@ -160,7 +160,7 @@ void NotificationForm::standBeside(QWindow* modal)
 
 void NotificationForm::paintEvent(QPaintEvent* event)
 {
-    // The main window and the available area come and go without a word to this one.
+    // The strip and the available area come and go without a word to this one.
     placeInSlot(m_slot);
     QDialog::paintEvent(event);
     QPainter painter(this);

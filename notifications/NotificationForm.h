@@ -23,7 +23,7 @@ class NotificationForm : public QDialog {
     Q_OBJECT
 
 public:
-    /// Type, message and task id are those of NotificationManager::show(). The main form stands
+    /// Type, message and task id are those of NotificationManager::show(). The strip stands
     /// below the notices while it is visible; not owned, null when there is none.
     NotificationForm(const QString& message, int type, const QString& taskId,
                      AbstractMainForm* mainForm, QWidget* parent = nullptr);

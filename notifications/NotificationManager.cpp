@@ -181,7 +181,7 @@ void NotificationManager::placeAnew()
         return;
     for (int i = 0; i < m_shownForms.size(); ++i)
         m_shownForms[i]->placeInSlot(i);
-    // The main form or a panel of the desktop took room, or gave it back.
+    // The strip or a panel of the desktop took room, or gave it back.
     while (m_shownForms.size() > 1 && !m_shownForms.constLast()->isClosing()
            && !m_shownForms.constLast()->fitsInSlot(m_shownForms.size() - 1))
         m_pendingNotices.prepend(withoutWindow(m_shownForms.takeLast()));

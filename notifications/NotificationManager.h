@@ -43,7 +43,7 @@ public:
     /// Deletes the notices on screen.
     void closeAll();
 
-    /// Follows the main form, as it comes and goes.
+    /// Follows the strip, as it comes and goes.
     bool eventFilter(QObject* object, QEvent* event) override;
 
 private slots:

@@ -29,7 +29,7 @@ public:
     bool accepts(const std::string& login, const std::string& password) const;
     bool knows(const std::string& login) const { return account(login) != nullptr; }
 
-    /// The teams that this login sees; all of them when it is none.
+    /// The teams that this login sees; all of them for an unknown one.
     Json teams(const std::string& login) const;
     /// Nothing for an unknown task. A task without details has those that its team's list tells.
     std::optional<Json> details(const std::string& taskId) const;
@@ -48,7 +48,7 @@ private:
     };
 
     void takeOver(std::string content);
-    /// Null when there is none, or of an account without a login.
+    /// Null for an unknown login, and for an empty one.
     const Json* account(const std::string& login) const;
     const Json* task(const std::string& taskId) const;
     /// Puts the times in the list entry or the details of a task as they are at present.

@@ -153,8 +153,14 @@ private slots:
         session.setTeams({});
         session.save();
         QCOMPARE(contentOf(dataPath(fileNames[1])), QByteArray());
+    }
 
-        // What others changed comes back, and what they removed.
+    void whatOthersChangedOrRemovedComesBack()
+    {
+        SessionOwner owner;
+        Session& session = *owner.session();
+        session.taskInfo(QStringLiteral("new"));
+        session.save();
         writeFile(dataPath(fileNames[2]), "[General]\n17=other\n205=@Invalid()\n");
         QVERIFY(QFile::remove(dataPath(fileNames[3])));
         session.save();
