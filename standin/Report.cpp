@@ -1,29 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Report.h"
 
-#include <algorithm>
+#include <set>
 #include <stdexcept>
 #include <utility>
-#include <vector>
 
 namespace standin {
 namespace {
-
-struct Field {
-    const char* name;
-    bool isRequired;
-};
-
-const std::vector<Field>& fields(Report::Kind kind)
-{
-    static const std::vector<Field> activity{{"active", true},  {"email", true},
-                                             {"past", true},    {"task_id", true},
-                                             {"team_id", true}, {"version", true}};
-    static const std::vector<Field> screenshot{
-        {"email", true},   {"file", false},   {"fileName", false}, {"past", true},
-        {"task_id", true}, {"team_id", true}, {"version", true}};
-    return kind == Report::Kind::Activity ? activity : screenshot;
-}
 
 [[noreturn]] void reject(const std::string& reason)
 {
@@ -46,22 +29,22 @@ Json recordIn(const std::string& body)
     return data[0];
 }
 
-void checkFields(Report::Kind kind, const Json& record)
+void checkFields(bool isActivity, const Json& record)
 {
-    const std::vector<Field>& known = fields(kind);
-    for (const Field& field : known) {
-        if (field.isRequired && !record.contains(field.name))
-            reject(std::string("no field ") + field.name);
-    }
+    std::set<std::string> missing{"email", "past", "task_id", "team_id", "version"};
+    std::set<std::string> possible;
+    if (isActivity)
+        missing.insert("active");
+    else
+        possible = {"file", "fileName"};
     for (const auto& [name, content] : record.items()) {
-        const bool isKnown =
-            std::any_of(known.begin(), known.end(),
-                        [&name = name](const Field& field) { return name == field.name; });
-        if (!isKnown)
+        if (missing.erase(name) == 0 && possible.count(name) == 0)
             reject("unknown field " + name);
         if (!content.is_string())
             reject("not a string: " + name);
     }
+    if (!missing.empty())
+        reject("no field " + *missing.begin());
 }
 
 } // namespace
@@ -70,7 +53,7 @@ Report Report::parsed(Kind kind, const std::string& body)
 {
     Report report;
     report.record = recordIn(body);
-    checkFields(kind, report.record);
+    checkFields(kind == Kind::Activity, report.record);
 
     const auto past = number(text(report.record, "past"));
     // The age that the client computes is a difference of 32-bit times.

@@ -64,7 +64,8 @@ private slots:
              {report("active", "7").mid(1), report("active", "7").chopped(2),
               report("active", "11"), report("passive", "7"), report("active", "7", "never"),
               report("active", "7").replace("email", "more%22%3A%221%22%2C%22email"),
-              report("active", "7").replace("%227%22", "7")})
+              report("active", "7").replace("%227%22", "7"),
+              report("active", "7").replace("%2C%22version%22%3A%221.1.0%22", "")})
             QVERIFY(exchange(activityPath, malformed).startsWith(R"({"status":"error")"));
         QVERIFY(m_standIn.confirmedRecords().isEmpty());
     }
