@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/AbstractTessaportForm.h"
 
-#include "Panel.h"
+#include "FramelessWindow.h"
 #include "dialogs/WindowPlace.h"
 #include "res/Resources.h"
 #include "ui_AbstractTessaportForm.h"

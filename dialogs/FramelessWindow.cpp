@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Panel.h"
+#include "FramelessWindow.h"
 
 #include "dialogs/WindowPlace.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/TaskForm.h"
 
-#include "Panel.h"
+#include "FramelessWindow.h"
 #include "dialogs/PlainToolTip.h"
 #include "mainwindow/AbstractMainForm.h"
 #include "res/Resources.h"
