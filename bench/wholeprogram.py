@@ -17,6 +17,8 @@ from lab import USER, Broken, Service, expect, wait_until, write_ini  # noqa: E4
 
 STRIP_SIZE = ("392", "73")
 FLOOR, STOPPED, RUNNING, OFFLINE = STATES = ("floor", "stopped", "running", "offline")
+# The floor with what Qt loads by itself.
+PLAIN = "floor with Qt as it comes"
 
 
 class Desktop:
@@ -68,7 +70,7 @@ class Start:
         write_ini(self.user.parent / "config.ini", lastLogin=USER)
         self._write_session(self.user, STOPPED)
         log = self.user.parent / "log.log"
-        with self._process(build.monitor, self.home):
+        with self._process(self.home, build.monitor):
             wait_until(lambda: log.exists() and "TaskInfo for" in log.read_text(),
                        "the tasks are known")
 
@@ -79,13 +81,16 @@ class Start:
 
     @staticmethod
     @contextmanager
-    def _process(program, home):
+    def _process(home, *command):
         # The lock against a second instance is made in the folder for temporary files.
-        process = subprocess.Popen([program], env={**os.environ, "HOME": home, "TMPDIR": home},
+        env = {**os.environ, "HOME": home, "TMPDIR": home}
+        # What keeps tests from loading OpenGL; users have none of it.
+        env.pop("QT_XCB_GL_INTEGRATION", None)
+        process = subprocess.Popen(command, env=env,
                                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         try:
             yield process
-            expect(process.poll() is None, f"{program} has ended by itself")
+            expect(process.poll() is None, f"{command[0]} has ended by itself")
         finally:
             process.terminate()
             process.wait()
@@ -97,7 +102,8 @@ class Start:
             shutil.copytree(self.home, home, dirs_exist_ok=True)
             self._write_session(home / self.user.relative_to(self.home), state)
             floor = self.build.folder / "bin/tessaport-floor"
-            with self._process(floor if state == FLOOR else self.build.monitor, home) as process:
+            command = {FLOOR: [floor], PLAIN: [floor, "plain"]}.get(state, [self.build.monitor])
+            with self._process(home, *command) as process:
                 yield process
 
     def close(self):
@@ -153,13 +159,16 @@ def measure(build, rounds, starts, seconds):
         with closing(Desktop()) as desktop:
             # The first of each fills the system's caches and does not count.
             for number in range(starts + 1):
-                for state in (FLOOR, STOPPED):
+                for state in (FLOOR, PLAIN, STOPPED):
                     before = time.monotonic()
                     with start(state):
                         shown = desktop.wait_for_strip()
                     if number:
                         note("start", state, shown - before)
         for _ in range(rounds):
+            with start(PLAIN) as process:
+                time.sleep(15)
+                note("memory", PLAIN, proportional_megabytes(process))
             for state in STATES:
                 if state == OFFLINE:
                     service.stop()
