@@ -6,8 +6,8 @@
 #include <QTimer>
 
 /// The least that a window of the strip's kind can cost with Qt: it is there, it is woken ten times
-/// a second, as for a look at the last input, and once a second a label shows another time. With any
-/// argument Qt is as it comes: it loads OpenGL, which nobody here draws with.
+/// a second, as for a look at the last input, and once a second a label shows another time. With
+/// any argument Qt is as it comes: it loads OpenGL, which nobody here draws with.
 int main(int argc, char* argv[])
 {
     if (argc == 1)

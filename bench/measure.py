@@ -124,7 +124,8 @@ def print_part(bench):
             if name.startswith(start):
                 aim, is_met = f"{most:g} times", ratio <= most
     apart = (bench["high"] - bench["low"]) / ratio if "high" in bench else 0
-    held = [f"{bench[what]:.3g} {what}" for what in ("files", "megabytes") if what in bench]
+    held = [f"{bench[what]:.3g} {what}" for what in ("raw pictures", "files", "megabytes")
+            if what in bench]
     row(name, floor, f"{time:.3g} {unit}", f"{ratio:.2f}" if ratio else "", aim,
         ", ".join(filter(None, [remark(is_met, apart), *held])))
 
