@@ -17,8 +17,13 @@ class Attack:
     def __init__(self, service, home, monitor):
         self.service, self.home, self.monitor = service, home, monitor
         monitor.wait_for(STRIP)
+        # Before the first answer the window does not look as it will.
+        self.another_minutes(1)
         self.settle("at first")
-        self.online_look = self.look()
+        looks = [self.look()]
+        wait_until(lambda: looks.append(self.look()) or looks[-1] == looks[-2],
+                   "the window stays as it looks", pause=0.5)
+        self.online_look = looks[-1]
 
     def look(self):
         return self.monitor.look(STRIP, *PLAY_BUTTON)
