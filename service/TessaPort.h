@@ -5,6 +5,7 @@
 #include "service/WaitingReports.h"
 #include "session/Session.h"
 
+#include <QElapsedTimer>
 #include <QHash>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -159,10 +160,14 @@ private:
     /// is lost.
     void keepUnwritten(const UnwrittenReport& unwritten);
     QString activityDir() const;
+    /// Where the picture of this moment goes.
+    QString picturePath();
     /// Removes what a process that was killed may have left of the user's.
     void removeUnfinished();
 
     QNetworkAccessManager m_manager;
+    QString m_lastPicture;
+    QElapsedTimer m_sinceLastPicture;
     int m_pendingReports = 0; ///< posted and not yet answered
     WaitingReports m_waitingReports;
     QHash<QNetworkReply*, UnwrittenReport> m_unwrittenReports; ///< by what they wait for

@@ -88,14 +88,29 @@ void TessaPort::sendScreenshot(const QImage& image)
             "При отправке снимка экрана произошла ошибка. Обратитесь в техподдержку"));
         return;
     }
-    const QString picture = dataDir().absoluteFilePath(
-        QStringLiteral("%1/screenshot%2.jpg")
-            .arg(activityDir(), ReportFile::timestamp(QDateTime::currentDateTime())));
+    const QString picture = picturePath();
     if (ReportFile::writePicture(picture, jpeg.data()))
         jpeg.buffer().clear(); // It is large, and read again when it goes out.
     body.insert(QStringLiteral("fileName"), picture);
     qDebug("Screenshot prepared");
     sendReport(screenshotPath, body, jpeg.data());
+}
+
+// Two pictures of one second share a name. But a clock that is set back, as at the end of summer
+// time, comes to a second again in which there was one that may still wait.
+QString TessaPort::picturePath()
+{
+    const QString name =
+        dataDir().absoluteFilePath(activityDir() + QStringLiteral("/screenshot")
+                                   + ReportFile::timestamp(QDateTime::currentDateTime()));
+    const bool isSameSecond = m_sinceLastPicture.isValid() && !m_sinceLastPicture.hasExpired(1000);
+    if (isSameSecond && m_lastPicture.startsWith(name))
+        return m_lastPicture;
+    m_lastPicture = name + QStringLiteral(".jpg");
+    for (int i = 2; QFile::exists(m_lastPicture); ++i)
+        m_lastPicture = QStringLiteral("%1.%2.jpg").arg(name).arg(i);
+    m_sinceLastPicture.start();
+    return m_lastPicture;
 }
 
 void TessaPort::sendReport(const QString& path, const QVariantMap& body, const QByteArray& picture)

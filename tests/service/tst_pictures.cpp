@@ -60,6 +60,36 @@ private slots:
             QVERIFY2(line.size() < 500, qPrintable(line));
     }
 
+    void ofOneSecond()
+    {
+        standIn().fail(screenshotPath, QStringLiteral("hang"));
+        while (QTime::currentTime().msec() > 500)
+            QTest::qWait(10);
+        for (int i = 0; i < 2; ++i)
+            client().sendScreenshot(QImage(4, 4, QImage::Format_RGB32));
+        QCOMPARE(directory().entryList({QStringLiteral("*.jpg")}).size(), 1);
+    }
+
+    void ofASecondThatComesTwice()
+    {
+        standIn().fail(screenshotPath, QStringLiteral("hang"));
+        const QImage image(4, 4, QImage::Format_RGB32);
+        const auto nameOf = [](const QDateTime& moment) {
+            return moment.toString(QStringLiteral("'screenshot'dd-MM-yyyy-hh-mm-ss'.jpg'"));
+        };
+        // The next second may begin at any moment.
+        const QDateTime now = QDateTime::currentDateTime();
+        const QStringList old{nameOf(now), nameOf(now.addSecs(1))};
+        for (const QString& name : old)
+            writeFile(directory().filePath(name), "waits");
+        client().sendScreenshot(image);
+        for (const QString& name : old)
+            QCOMPARE(contentOf(directory().filePath(name)), QByteArray("waits"));
+        QVERIFY(standIn().waitForRequests(screenshotPath, 1));
+        const QJsonObject record = standIn().requests(screenshotPath).constFirst().record();
+        QCOMPARE(QImage(record[QLatin1String("fileName")].toString()).size(), image.size());
+    }
+
     void thatThereAreNone()
     {
         client().sendScreenshot(QImage());
