@@ -120,10 +120,16 @@ std::optional<QSet<QByteArray>> namedPictures(const QString& directory)
         if (!file.open(QIODevice::ReadOnly))
             return std::nullopt;
         const QByteArray content = file.readAll();
-        const int end = content.lastIndexOf(ending);
-        const int begin = end < 0 ? -1 : content.lastIndexOf(picturePrefix, end);
-        if (begin >= 0)
-            names.insert(content.mid(begin, end + ending.size() - begin));
+        if (file.error() != QFileDevice::NoError)
+            return std::nullopt;
+        // All that may be one: ids, too, can end like that.
+        for (int from = 0, end = 0; (end = content.indexOf(ending, from)) >= 0;
+             from = end + ending.size()) {
+            const QByteArray before = content.mid(from, end - from);
+            const int begin = before.lastIndexOf(picturePrefix);
+            if (begin >= 0)
+                names.insert(before.mid(begin) + ending);
+        }
     }
     return names;
 }

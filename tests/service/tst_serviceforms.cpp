@@ -138,7 +138,7 @@ private slots:
         for (const char* name : {"1", "2", "3"})
             write(QStringLiteral("screenshot%1.jpg").arg(QLatin1String(name)), {}, true);
         write(QStringLiteral("screenshot4.jpg"), {}, false);
-        write(QStringLiteral("json1"), "\"/api_screenshot\",\"/x/screenshot1.jpg\"}}", true);
+        write(QStringLiteral("json1"), R"("/api_screenshot","/x/screenshot1.jpg","a.jpg"}})", true);
         // A damaged one names its picture, too.
         write(QStringLiteral("json2"), "\"/x/screenshot2.jpg", true);
         ReportFile::removeUnfinished(directory.path());
