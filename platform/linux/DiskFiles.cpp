@@ -61,10 +61,14 @@ FileOutcome renameToFreeName(const QString& path, const QString& newPath)
     if (errno != EINVAL && errno != ENOSYS)
         return failure(errno);
     // A file system, or a system, that can't: a second name does not replace anything either.
-    if (::link(from.constData(), to.constData()) != 0)
-        return failure(errno);
-    ::unlink(from.constData());
-    return {};
+    if (::link(from.constData(), to.constData()) == 0) {
+        ::unlink(from.constData());
+        return {};
+    }
+    // One that has no second names either, as some that encrypt, or that stand for another machine.
+    if (errno == EEXIST || ::access(to.constData(), F_OK) == 0)
+        return failure(EEXIST);
+    return ::rename(from.constData(), to.constData()) == 0 ? FileOutcome{} : failure(errno);
 }
 
 void flushDirectoryToDisk(const QString& directory)

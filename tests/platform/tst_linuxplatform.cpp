@@ -11,6 +11,22 @@
 #include <QGuiApplication>
 #include <QProcess>
 
+#include <cerrno>
+
+// A file system on which a file can be given another name in the plain way only.
+
+extern "C" int renameat2(int, const char*, int, const char*, unsigned) noexcept
+{
+    errno = EINVAL;
+    return -1;
+}
+
+extern "C" int link(const char*, const char*) noexcept
+{
+    errno = EPERM;
+    return -1;
+}
+
 /// What only Linux has, as on a display that isn't X11.
 class LinuxPlatformTest : public QObject {
     Q_OBJECT
@@ -23,6 +39,7 @@ private slots:
     void blindDisplay();
     void waylandSession();
     void fileOfItsUserAlone();
+    void plainRename();
 
 private:
     static QString write(const QString& name, const QByteArray& content);
@@ -140,6 +157,19 @@ void LinuxPlatformTest::fileOfItsUserAlone()
     const QString path = QDir::home().filePath(QStringLiteral("record"));
     QVERIFY(platform::writeToDisk(path, "x").succeeded());
     QVERIFY(!(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther)));
+}
+
+void LinuxPlatformTest::plainRename()
+{
+    const QString from = write(QStringLiteral("from"), "from");
+    const QString taken = write(QStringLiteral("taken"), "taken");
+    QVERIFY(platform::renameToFreeName(from, taken).isNameTaken);
+    QCOMPARE(contentOf(taken), QByteArray("taken"));
+    const QString free = QDir::home().filePath(QStringLiteral("free"));
+    QVERIFY(platform::renameToFreeName(from, free).succeeded());
+    QCOMPARE(contentOf(free), QByteArray("from"));
+    const platform::FileOutcome missing = platform::renameToFreeName(from, from + free);
+    QVERIFY(!missing.succeeded() && !missing.isNameTaken);
 }
 
 TESSAPORT_TEST_MAIN(LinuxPlatformTest, QGuiApplication)
