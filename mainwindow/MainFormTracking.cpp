@@ -4,6 +4,7 @@
 #include "capture/DesktopGrab.h"
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/ScrollText.h"
+#include "dialogs/TaskForm.h"
 #include "mainwindow/TimeText.h"
 #include "notifications/NotificationManager.h"
 #include "platform/Processes.h"
@@ -185,6 +186,9 @@ void MainForm::onTaskUpdated(QString teamId)
 void MainForm::updateForNewLogin()
 {
     onTaskChange();
+    // It still offers the tasks of the earlier user, which the new one must not report on.
+    if (m_taskForm->isVisible())
+        m_taskForm->reload();
 }
 
 void MainForm::closeTask(QString task_id)

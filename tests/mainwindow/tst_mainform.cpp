@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Strip.h"
 
+#include "dialogs/TaskForm.h"
 #include "res/Resources.h"
 #include "support/TestMain.h"
 
@@ -87,6 +88,10 @@ private slots:
         QVERIFY(strip.look().contains(QLatin1String(" pbTaskBlocked ")));
 
         // Another user, who has none.
+        strip.press("lbTask");
+        const auto* const picker = visibleForm<TaskForm>();
+        QVERIFY(picker);
+        QCOMPARE(picker->selectedTaskId(), QStringLiteral("2"));
         {
             const QSignalBlocker blocker(strip.session);
             strip.session->reset();
@@ -95,6 +100,7 @@ private slots:
         }
         emit strip.service->loginOk();
         QCOMPARE(strip.text("lbTask"), QStringLiteral("Выбрать задачу"));
+        QCOMPARE(picker->selectedTaskId(), QString());
         QCOMPARE(strip.clock(), QStringLiteral("Сегодня: 03:00:00"));
         QVERIFY(strip.look().startsWith(QLatin1String("pbPlay_Disabled ")));
         QVERIFY(strip.look().contains(QLatin1String(" pbTask ")));
