@@ -84,6 +84,8 @@ QNetworkReply* TessaPort::post(Stage stage, const QUrl& url, const QByteArray& b
     QNetworkRequest request(url);
     request.setHeader(QNetworkRequest::ContentTypeHeader,
                       QByteArrayLiteral("application/x-www-form-urlencoded"));
+    // Ahead of questions, of which thousands may wait for a connection.
+    request.setPriority(QNetworkRequest::HighPriority);
     auto* const oneTimeBody = new OneTimeBody(body);
     QNetworkReply* const reply = m_manager.post(request, oneTimeBody);
     oneTimeBody->setParent(reply);

@@ -151,6 +151,17 @@ private slots:
         QTRY_VERIFY(directory().isEmpty());
     }
 
+    void aheadOfQuestions()
+    {
+        const QString path = QStringLiteral("/api_get_task");
+        standIn().fail(path, QStringLiteral("delay"), -1, 200);
+        for (int i = 0; i < 60; ++i)
+            client().requestTaskInfo(QStringLiteral("48211"));
+        client().sendActivity(1);
+        QTRY_VERIFY(directory().isEmpty());
+        QVERIFY2(standIn().requests(path).size() < 40, "the report came behind the questions");
+    }
+
     void pictureGone()
     {
         standIn().fail(screenshotPath, QStringLiteral("refuse"), 1);
