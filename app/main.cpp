@@ -8,6 +8,7 @@
 #include "mainwindow/MainForm.h"
 #include "notifications/NotificationManager.h"
 #include "platform/Console.h"
+#include "platform/DirectoryLock.h"
 #include "platform/Memory.h"
 #include "platform/Termination.h"
 #include "service/TessaPort.h"
@@ -105,7 +106,9 @@ int main(int argc, char* argv[])
         tessaPort.setNoSave(true);
         return 0;
     }
-    if (!isSingleInstance()) {
+    // The shared memory is lost sight of when temporary files are cleared, after days; two copies
+    // in one directory would report each minute twice.
+    if (!isSingleInstance() || !platform::takeDirectory(tessaPort.dataDir().path())) {
         tellOfOtherInstance();
         return 1;
     }
