@@ -9,6 +9,7 @@
 #include <QHash>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QSet>
 #include <QSslError>
 
 class QFile;
@@ -168,6 +169,7 @@ private:
     QNetworkAccessManager m_manager;
     QString m_lastPicture;
     QElapsedTimer m_sinceLastPicture;
+    QSet<QString> m_awaitedDetails; ///< ids of tasks, asked for and not yet answered
     int m_pendingReports = 0; ///< posted and not yet answered
     WaitingReports m_waitingReports;
     QHash<QNetworkReply*, UnwrittenReport> m_unwrittenReports; ///< by what they wait for

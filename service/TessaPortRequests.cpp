@@ -60,6 +60,7 @@ void TessaPort::handleLogin(QNetworkReply* reply)
     session()->load(loginSession()->login(), loginSession()->password());
     session()->setLogged(true);
     removeUnfinished();
+    m_awaitedDetails.clear();
     loginSession()->reset();
     emit loginOk();
 }
@@ -83,13 +84,16 @@ void TessaPort::handleTeamsAndTasks(QNetworkReply* reply)
 void TessaPort::parseTeamsAndTasks(const QByteArray& data)
 {
     QList<Team> teams;
+    // Refreshes whose answers were held up come together, and would ask for thousands of tasks as
+    // often over.
+    const QSet<QString> awaited = m_awaitedDetails;
     const QList<ServiceReply::TeamWithTasks> entries = ServiceReply::teamsAndTasks(data);
     for (const ServiceReply::TeamWithTasks& entry : entries) {
         teams.append(entry.team);
         session()->setTasks(entry.tasks, entry.team.id);
         for (const Task& task : entry.tasks) {
             const bool isCached = !session()->taskInfo(task.id).id.isEmpty();
-            if (!isCached && entry.team.id != teamWithoutDeadlines)
+            if (!isCached && entry.team.id != teamWithoutDeadlines && !awaited.contains(task.id))
                 requestTaskInfo(task.id);
         }
     }
@@ -105,6 +109,7 @@ void TessaPort::requestTaskInfo(const QString& taskId)
     QUrlQuery query = credentials(*session());
     addItem(query, QStringLiteral("task_id"), taskId);
     get(Details, query)->setProperty("task_id", taskId);
+    m_awaitedDetails.insert(taskId);
 }
 
 void TessaPort::handleTaskInfo(QNetworkReply* reply)
