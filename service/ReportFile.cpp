@@ -8,6 +8,7 @@
 #include <QDebug>
 #include <QDir>
 #include <QFile>
+#include <QLocale>
 #include <QRandomGenerator>
 #include <QSet>
 #include <QUrl>
@@ -136,9 +137,10 @@ std::optional<QSet<QByteArray>> namedPictures(const QString& directory)
 
 } // namespace
 
+// In the digits of all desktops: a file may be read under another language than it was written.
 QString timestamp(const QDateTime& moment)
 {
-    return moment.toString(timestampFormat);
+    return QLocale::c().toString(moment, timestampFormat);
 }
 
 QVariantMap report(const QVariant& apiUrl, const QVariant& body, const QDateTime& now)

@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 #include <QDebug>
+#include <QLocale>
 #include <QUrlQuery>
 
 namespace {
@@ -140,9 +141,11 @@ void TessaPort::requestDeadline(const QDate& date, const QString& message, const
 {
     QUrlQuery query = credentials(*session());
     addItem(query, QStringLiteral("task_id"), session()->taskID());
-    addItem(query, QStringLiteral("dl_date"), date.toString(QStringLiteral("yyyy-MM-dd")));
+    // A desktop in Persian, say, has other digits.
+    const QLocale digits = QLocale::c();
+    addItem(query, QStringLiteral("dl_date"), digits.toString(date, QStringLiteral("yyyy-MM-dd")));
     if (time != QTime(23, 59))
-        addItem(query, QStringLiteral("dl_time"), time.toString(QStringLiteral("HH:mm")));
+        addItem(query, QStringLiteral("dl_time"), digits.toString(time, QStringLiteral("HH:mm")));
     addItem(query, QStringLiteral("message"), message);
     QUrl url = endpointUrl(DeadlineRequest);
     url.setQuery(query.query());
