@@ -12,6 +12,10 @@
 
 namespace {
 
+// What is left goes with the next refresh. A hundred thousand questions at once would fill the
+// memory, and hold the program up for minutes.
+constexpr int mostAwaited = 1000;
+
 // What is typed has to arrive as typed: a query takes "%41" for an A that is encoded already, and
 // services take a bare plus for a blank.
 void addItem(QUrlQuery& query, const QString& key, QString value)
@@ -94,7 +98,8 @@ void TessaPort::parseTeamsAndTasks(const QByteArray& data)
         session()->setTasks(entry.tasks, entry.team.id);
         for (const Task& task : entry.tasks) {
             const bool isCached = !session()->taskInfo(task.id).id.isEmpty();
-            if (!isCached && entry.team.id != teamWithoutDeadlines && !awaited.contains(task.id))
+            if (!isCached && entry.team.id != teamWithoutDeadlines && !awaited.contains(task.id)
+                && m_awaitedDetails.size() < mostAwaited)
                 requestTaskInfo(task.id);
         }
     }

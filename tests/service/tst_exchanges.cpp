@@ -83,6 +83,27 @@ private slots:
         QCOMPARE(standIn().requests(path).size(), wanted);
     }
 
+    void detailsOfAThousandAtOnce()
+    {
+        QJsonArray tasks;
+        for (int i = 1; i <= 1010; ++i)
+            tasks.append(QJsonObject{{QStringLiteral("id"), QString::number(i)},
+                                     {QStringLiteral("title"), QStringLiteral("a task")}});
+        QJsonObject data = StandIn::demoData();
+        QJsonArray teams = data[QLatin1String("teams")].toArray();
+        QJsonObject team = teams.first().toObject();
+        team[QLatin1String("tasks")] = tasks;
+        data[QLatin1String("teams")] = QJsonArray{team};
+        standIn().setData(data);
+        QSignalSpy answered(&client(), &TessaPort::taskInfoUpdated);
+        for (const int asked : {1000, 1010}) {
+            client().requestTeamsAndTasks();
+            QTRY_COMPARE_WITH_TIMEOUT(answered.size(), asked, 60000);
+            roundTrips();
+            QCOMPARE(standIn().requests(QStringLiteral("/api_get_task")).size(), asked);
+        }
+    }
+
     void anotherUsersAnswers()
     {
         // A minute, so that there is a time to tell of.
