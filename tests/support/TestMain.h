@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QLoggingCategory>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -16,6 +17,10 @@ public:
         qputenv("HOME", path);
         qputenv("USERPROFILE", path);
         qunsetenv("XDG_CONFIG_HOME");
+#ifndef Q_OS_WIN
+        // In a place with another date than Greenwich, and whose midnight is far.
+        qputenv("TZ", QDateTime::currentDateTimeUtc().time().hour() < 11 ? "TST12" : "TST-13");
+#endif
     }
 
 private:
