@@ -85,16 +85,21 @@ struct Strip {
     }
     QString clock() const { return text("lbActivity") + text("lbClock"); }
 
+    /// The picture of a button at rest; empty when those of its other states are not of a kind.
+    QString picture(const char* name) const
+    {
+        const QRegularExpression sheet(QStringLiteral(
+            R"(^[^:]+: url\((:/[\w/]+/)(pbPlay_Disabled|(\w+?)(_normal)?)\.png)"
+            R"((?(3).*:hover.*\1\3_[Hh]overedl?\.png.*:pressed.*\1\3_(\w*clicked|Pressed)\.))"));
+        return sheet.match(part(name)->styleSheet()).captured(2);
+    }
+
     /// The pictures of the play button, the bell, the tray and the task, and what the menu offers.
     QString look() const
     {
-        const QRegularExpression url(QStringLiteral(R"(url\(:/images/(\w+))"));
-        const auto sheet = [&](const char* name) {
-            return url.match(part(name)->styleSheet()).captured(1);
-        };
         const auto icon = static_cast<QPushButton*>(part("pbTask"))->icon();
-        return QStringList({sheet("pbPlay"), sheet("pbNotice"), nameOf(tray->icon()), nameOf(icon),
-                            action->text()})
+        return QStringList({picture("pbPlay"), picture("pbNotice"), nameOf(tray->icon()),
+                            nameOf(icon), action->text()})
             .join(QLatin1Char(' '));
     }
 

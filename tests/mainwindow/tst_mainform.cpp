@@ -22,6 +22,11 @@ private slots:
         QVERIFY(strip.reports().isEmpty());
         strip.slotsPass(1);
         QCOMPARE(strip.reports(), QList<int>({-1, 1}));
+        // The active minute is on disk with the next save.
+        const QByteArray saved =
+            contentOf(strip.service->dataDir().filePath(QStringLiteral("a@b/session.ini")));
+        QVERIFY(saved.contains("todayWorktime=00:01:00\n"));
+        QVERIFY(saved.contains("todayActivetime=00:00:00\n"));
         QCOMPARE(strip.session->todayActiveTime(QStringLiteral("1")), QTime(0, 1));
         strip.invoke("clock", 10);
         strip.play->click();
@@ -84,8 +89,11 @@ private slots:
         QCOMPARE(strip.text("lbTask"), QStringLiteral("Задача 2"));
         QCOMPARE(strip.part("lbTask")->toolTip(), QStringLiteral("Задача 2"));
         QVERIFY(strip.look().contains(QLatin1String(" pbTaskUrgentGrey ")));
-        strip.session->setTasks({task("2", 1, "1")}, teamId);
+        Task blocking = task("2", 1, "1");
+        blocking.title = QStringLiteral("<b>Срочно");
+        strip.session->setTasks({blocking}, teamId);
         QVERIFY(strip.look().contains(QLatin1String(" pbTaskBlocked ")));
+        QVERIFY(strip.part("lbTask")->toolTip().contains(QLatin1String("&lt;b&gt;")));
 
         // Another user, who has none.
         strip.press("lbTask");

@@ -73,11 +73,12 @@ private slots:
 
         strip.session->setTaskID(QStringLiteral("2"));
         strip.session->setTaskActiveTime(QStringLiteral("2"), QTime(0, 1));
+        strip.session->setTodayActivetime(QTime(1, 32)); // not shown yet
         strip.invoke("showActivityMessage");
         QCOMPARE(shownNotices(),
                  QStringList(QStringLiteral(
                      "0 Вы работаете по задаче \"Задача 2\" в команде \"Команда\". Активное время "
-                     "за сегодня 1ч. 31мин. Активное время по задаче 1мин.")));
+                     "за сегодня 1ч. 32мин. Активное время по задаче 1мин.")));
     }
 
     void overdueLabels()
@@ -128,7 +129,14 @@ private slots:
         QVERIFY(click(QSystemTrayIcon::Context));
 
         QMenu* const menu = strip.tray->contextMenu();
-        QCOMPARE(static_cast<QPushButton*>(strip.part("pbMenu"))->menu(), menu);
+        auto* const button = static_cast<QPushButton*>(strip.part("pbMenu"));
+        QCOMPARE(button->menu(), menu);
+        // The pointer has gone elsewhere when it is closed.
+        QCursor::setPos(strip.form->pos() - QPoint(50, 50));
+        button->setAttribute(Qt::WA_UnderMouse);
+        menu->popup(strip.form->pos());
+        menu->close();
+        QVERIFY(!button->underMouse());
         QStringList items;
         for (const QAction* item : menu->actions())
             items << item->text();
@@ -204,8 +212,11 @@ private slots:
             QCOMPARE(picker->selectedTaskId(), QStringLiteral("1"));
             picker->findChild<QComboBox*>(QStringLiteral("cbTask"))->setCurrentIndex(1);
             QVERIFY(QTest::qWaitForWindowExposed(picker));
-            isConfirmed ? picker->accept() : picker->hide();
-            QCOMPARE(strip.session->taskID(), QString::number(isConfirmed + 1));
+            strip.session->setTeamID(QString());
+            isConfirmed ? picker->accept() : picker->reject();
+            QCOMPARE(strip.session->teamID() + strip.session->taskID(),
+                     isConfirmed ? teamId + QLatin1Char('2') : QStringLiteral("1"));
+            strip.session->setTeamID(teamId);
         }
 
         for (int i = 0; i < 2; ++i) {
@@ -233,6 +244,7 @@ private slots:
     void asksForALaterDeadline()
     {
         Strip strip;
+        QCOMPARE(strip.picture("pbTimeExtend"), QStringLiteral("pbTimeExtend_NoActive_normal"));
         QVERIFY(opens<CalendarForm>(strip, "on_pbTimeExtend_clicked"));
         const QStringList refusal(
             QStringLiteral("0 Для данной задачи невозможно выполнить перенос дедлайна."));

@@ -7,7 +7,9 @@
 #include "support/FastClock.h"
 #include "support/TestMain.h"
 
+#include <QCalendarWidget>
 #include <QPlainTextEdit>
+#include <QTimeEdit>
 #include <QToolTip>
 
 /// What happens by itself, and when.
@@ -55,6 +57,7 @@ private slots:
         QVERIFY(shownTime() != before);
 
         passMinutes(29);
+        QTRY_VERIFY(counted().contains(QLatin1String(" 2 syncs")));
         passTime(59000, 1000);
         QCOMPARE(shownNotices().size(), 1);
         QTRY_COMPARE(counted(), QStringLiteral("30 minutes, 31 refreshes, 2 syncs, 1 versions"));
@@ -97,6 +100,8 @@ private slots:
         QTimer::singleShot(0, m_strip.get(), [] {
             auto* form = visibleForm<CalendarForm>();
             QVERIFY(form);
+            form->findChild<QCalendarWidget*>()->setSelectedDate({2031, 2, 3});
+            form->findChild<QTimeEdit*>()->setTime({9, 30});
             form->findChild<QPlainTextEdit*>()->setPlainText(QStringLiteral("ill"));
             form->accept();
         });
@@ -104,10 +109,27 @@ private slots:
         const QString path = QStringLiteral("/api_task_deadline_request");
         QVERIFY(standIn().waitForRequests(path, 1));
         const QString query = standIn().requests(path)[0].query;
-        QVERIFY2(query.contains(QLatin1String("message=ill")), qPrintable(query));
+        QVERIFY2(query.endsWith(QLatin1String("&dl_date=2031-02-03&dl_time=09:30&message=ill")),
+                 qPrintable(query));
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         for (const QWidget* window : QApplication::topLevelWidgets())
             QVERIFY(!qobject_cast<const CalendarForm*>(window));
+    }
+
+    void tenMinutesOfSilenceAreAFailure()
+    {
+        const QString path = QStringLiteral("/api_get_task");
+        m_strip.reset();
+        roundTrips();
+        standIn().reset();
+        standIn().fail(path, QStringLiteral("hang"));
+        client().requestTaskInfo(QStringLiteral("48211"));
+        QVERIFY(standIn().waitForRequests(path, 1));
+        QSignalSpy offline(&client(), &TessaPort::onlineChanged);
+        passTime(590000, 1000);
+        QVERIFY(offline.isEmpty());
+        passTime(20000, 1000);
+        QCOMPARE(offline.size(), 1);
     }
 
 private:
