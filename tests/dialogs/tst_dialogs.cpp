@@ -82,6 +82,8 @@ private slots:
         QCOMPARE(form.pos(), middleOfScreen(form));
         QCOMPARE(labelText(form, "lbEmail"), service.session()->login());
         QCOMPARE(labelText(form, "lbPassword"), QStringLiteral("demo"));
+        QCOMPARE(form.findChild<QLineEdit*>(QStringLiteral("lbPassword"))->echoMode(),
+                 QLineEdit::Password);
         form.findChild<QLineEdit*>(QStringLiteral("lbEmail"))->setText(QStringLiteral("b@c"));
         QSignalSpy unanswered(&service, &TessaPort::onlineChanged);
         QTest::ignoreMessage(QtDebugMsg, QRegularExpression(QStringLiteral("b@c.*demo")));
@@ -193,6 +195,7 @@ private slots:
         AboutForm form(&m_service);
         QCOMPARE(labelText(form, "lbVersion"), QStringLiteral("Версия: 1.1.0"));
         QCOMPARE(labelText(form, "lbUrl").count(QStringLiteral("https://localhost:1")), 2);
+        QVERIFY(form.findChild<QLabel*>(QStringLiteral("lbUrl"))->openExternalLinks());
         QCOMPARE(labelText(form, "lbUpdateInfo"), QStringLiteral("TPMC is up to date"));
         QVERIFY(labelText(form, "lbBuildDate").startsWith(QStringLiteral("Дата сборки: ")));
         QVERIFY(

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "PanelFixture.h"
 
+#include "dialogs/PlainToolTip.h"
 #include "dialogs/ScrollText.h"
 #include "dialogs/TaskDescriptionForm.h"
 #include "dialogs/TaskListForm.h"
@@ -34,7 +35,8 @@ TaskInfo fullInfo()
     first.page = QUrl(QStringLiteral("https://a.org/?b=1&copy=2"));
     first.task = QStringLiteral("О нас");
     first.minCount = QStringLiteral("2500");
-    first.keywords = {{{}, QStringLiteral("редакция"), QStringLiteral("2"), QStringLiteral("1")}};
+    first.keywords = {
+        {{}, QStringLiteral("<b>редакция"), QStringLiteral("2"), QStringLiteral("1")}};
     TextTask second;
     second.page = QUrl(QStringLiteral("https://b.org/?q=\"><h1>x</h1>"));
     TextTask third;
@@ -43,15 +45,17 @@ TaskInfo fullInfo()
     return info;
 }
 
-/// The texts of the labels in a list's rows, those of one row separated by "|".
+/// The texts of the labels in a list's rows, those of one row separated by "|", and a plus behind
+/// those that a tool tip tells, too.
 QStringList rowTexts(const QListWidget* list)
 {
     QStringList texts;
     for (int i = 0; i < list->count(); ++i) {
         QStringList row;
         for (const QWidget* part : list->itemWidget(list->item(i))->findChildren<QWidget*>()) {
+            const QString text = part->property("text").toString();
             if (!qobject_cast<const QPushButton*>(part))
-                row << part->property("text").toString();
+                row << text + QLatin1String(part->toolTip() == plainToolTip(text) ? "+" : "");
         }
         texts << row.join(QLatin1Char('|'));
     }
@@ -84,11 +88,15 @@ private slots:
     void listsTheTasksOfTheChosenTeam()
     {
         QCOMPARE(rowTexts(list()),
-                 QStringList({QStringLiteral("<h1>Макет</h1> | Истекает: 2020-04-26 18:05:00"),
-                              QStringLiteral("Текст | Истекает: ")}));
+                 QStringList({QStringLiteral("<h1>Макет</h1> | Истекает: 2020-04-26 18:05:00+"),
+                              QStringLiteral("Текст | Истекает: +")}));
         QVERIFY(row(0)->findChild<QLabel*>()->toolTip().contains(QStringLiteral("&lt;h1&gt;")));
-        QCOMPARE(row(1)->findChild<QPushButton*>()->accessibleDescription(),
-                 rowTexts(list()).value(1));
+        auto* const button = row(1)->findChild<QPushButton*>();
+        QCOMPARE(button->text(), QStringLiteral("Цели задач"));
+        QCOMPARE(button->accessibleDescription(), QStringLiteral("Текст | Истекает: "));
+        const QImage atRest(
+            QStringLiteral(":/images/res/images/task_list_dialog/task_target_button_hovered.png"));
+        QCOMPARE(button->grab().toImage().pixelColor(4, 20), atRest.pixelColor(4, 20));
         const QRect area = QApplication::desktop()->availableGeometry(m_list.get());
         const QPoint place(area.right() - 394, area.bottom() - (565 + 73));
         drag(m_list.get(), Qt::LeftButton);
@@ -101,7 +109,7 @@ private slots:
         emit session().teamsUpdated();
         QCOMPARE(list()->count(), 2);
         emit m_service->teamChanged(QStringLiteral("1"));
-        QCOMPARE(rowTexts(list()).value(0), QStringLiteral("Письмо | Истекает: "));
+        QCOMPARE(rowTexts(list()).value(0), QStringLiteral("Письмо | Истекает: +"));
         QCOMPARE(m_list->windowTitle(), QStringLiteral("Задачи команды \"Первая\""));
         const auto box = m_list->findChild<QComboBox*>();
         QCOMPARE(box->currentText() + box->itemText(1), QStringLiteral("ПерваяВторая"));
@@ -164,6 +172,11 @@ private slots:
     void describesItsTask()
     {
         QCOMPARE(text("lbTaskDeadline"), QStringLiteral("..."));
+        const auto icon = [](const QWidget& form) {
+            const auto* label = form.findChild<QLabel*>(QStringLiteral("lbIcon"));
+            return label->pixmap(Qt::ReturnByValue).toImage();
+        };
+        QCOMPARE(icon(*m_description), icon(*m_list));
         emit m_service->taskInfoUpdated(fullInfo());
         emit m_service->taskInfoUpdated(TaskInfo());
         const auto title = child<ScrollText>("");
@@ -172,18 +185,21 @@ private slots:
         QCOMPARE(text("lbTaskDeadline"), QStringLiteral("Истекает: 2020-04-26 18:00:00"));
         QCOMPARE(text("lbAttachmentsNumber"), QStringLiteral("5"));
         QCOMPARE(rowTexts(child<QListWidget>("listAttachments")),
-                 QStringList({QStringLiteral("Бриф.docx|48.20 KB"),
-                              QStringLiteral("<i>Макет</i>|0.00 B"),
-                              QStringLiteral("Съёмка.mov|3.00 GB"), QStringLiteral("a|1023.00 B"),
-                              QStringLiteral("b|2048.00 TB")}));
+                 QStringList({QStringLiteral("Бриф.docx+|48.20 KB"),
+                              QStringLiteral("<i>Макет</i>+|0.00 B"),
+                              QStringLiteral("Съёмка.mov+|3.00 GB"), QStringLiteral("a+|1023.00 B"),
+                              QStringLiteral("b+|2048.00 TB")}));
         QCOMPARE(child<QTextBrowser>("textTask")->toPlainText(), QStringLiteral("Три текста"));
         QCOMPARE(text("lbUrl"),
                  QStringLiteral("URL: <a href=\"https://a.org/?b=1&amp;copy=2\" style=\"color:rgb("
                                 "100,100,100)\">https://a.org/?b=1&amp;copy=2</a>"));
         QCOMPARE(child<QTextBrowser>("textRequirements")->toPlainText(), QStringLiteral("О нас"));
+        QVERIFY(child<QLabel>("lbUrl")->openExternalLinks());
+        for (const char* name : {"lbResponsible", "lbSignNumber"})
+            QCOMPARE(child<QLabel>(name)->textFormat(), Qt::PlainText);
         QCOMPARE(text("lbSignNumber"), QStringLiteral("Количество знаков: 2500"));
         QCOMPARE(rowTexts(child<QListWidget>("listKeywords")),
-                 QStringList(QStringLiteral("редакция|Точн. 2|Неточн. 1")));
+                 QStringList(QStringLiteral("<b>редакция+|Точн. 2|Неточн. 1")));
 
         TaskInfo bare;
         bare.id = QStringLiteral("21");
@@ -273,17 +289,19 @@ private slots:
         TaskListForm list(m_service.get(), m_mainForm.get());
         const auto rows = list.findChild<QListWidget*>();
         list.bringUpToDate();
-        QCOMPARE(
-            rowTexts(rows),
-            QStringList({QStringLiteral("Письмо | Истекает: "), QStringLiteral("Б | Истекает: ")}));
+        QCOMPARE(rowTexts(rows),
+                 QStringList(
+                     {QStringLiteral("Письмо | Истекает: +"), QStringLiteral("Б | Истекает: +")}));
         QCOMPARE(list.windowTitle(), QStringLiteral("Задачи команды \"Первая\""));
-        // Nothing new: what has been scrolled to stays.
+        // Nothing new in it: what has been scrolled to stays.
         const QPointer<QWidget> firstRow = rows->itemWidget(rows->item(0));
+        session().setTeams({{QStringLiteral("1"), QStringLiteral("Лучшая")}});
         list.bringUpToDate();
         QVERIFY(firstRow);
+        QCOMPARE(list.windowTitle(), QStringLiteral("Задачи команды \"Лучшая\""));
         session().setTasks({makeTask("11", "Ответ")}, QStringLiteral("1"));
         list.bringUpToDate();
-        QCOMPARE(rowTexts(rows), QStringList(QStringLiteral("Ответ | Истекает: ")));
+        QCOMPARE(rowTexts(rows), QStringList(QStringLiteral("Ответ | Истекает: +")));
 
         // Another user signs in.
         session().setTeams({{QStringLiteral("1"), QStringLiteral("Первая")},
@@ -291,7 +309,7 @@ private slots:
         session().setTeamID(QStringLiteral("7"));
         session().setTasks({makeTask("71", "Чужая")}, QStringLiteral("7"));
         list.bringUpToDate();
-        QCOMPARE(rowTexts(rows), QStringList(QStringLiteral("Чужая | Истекает: ")));
+        QCOMPARE(rowTexts(rows), QStringList(QStringLiteral("Чужая | Истекает: +")));
         QCOMPARE(list.findChild<QComboBox*>()->currentText(), QStringLiteral("Седьмая"));
     }
 

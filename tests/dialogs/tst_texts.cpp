@@ -67,6 +67,10 @@ private slots:
             QCOMPARE(edge(label), blank[0]);
             QCOMPARE(edge(box), blank[1]);
             QCOMPARE(label.text() + box.currentText(), text + text);
+            // The end of it, which tells the deadline, is seen.
+            const QImage before = box.grab().toImage();
+            box.setItemText(0, text + QLatin1Char('1'));
+            QVERIFY(box.grab().toImage() != before);
         }
     }
 
