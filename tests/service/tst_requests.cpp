@@ -128,6 +128,13 @@ private slots:
         }
         QTRY_COMPARE(standIn().requests(QStringLiteral("/api_get_task")).size(), wanted);
 
+        // A list may be long.
+        order.clear();
+        standIn().fail(QStringLiteral("/api_teams_tasks"), QStringLiteral("answer"), 1, 0,
+                       R"([{"id":"17","name":"n"},)" + QByteArray(4 << 20, ' ') + "]");
+        client().requestTeamsAndTasks();
+        QTRY_COMPARE(order, (QStringList{QStringLiteral("17"), QStringLiteral("teams")}));
+
         // What is no list takes the teams away, and leaves the tasks.
         const QString teamId = session().teams()[0].id;
         standIn().fail(QStringLiteral("/api_teams_tasks"), QStringLiteral("garbage"), 1);
@@ -237,12 +244,18 @@ private slots:
         QTRY_COMPARE(error.size(), 1);
         QCOMPARE(error[0][0].toInt(), 6);
         QTRY_VERIFY(session().isOnline());
-        // A name that can't be found is a failed connection.
-        setTestServiceUrl(QStringLiteral("https://no-such-host.invalid"));
-        client().requestActive(QStringLiteral("1"));
-        QTRY_COMPARE(onlineChanged.size(), 3);
         QCOMPARE(onlineChanged[0][0].toString(), QString());
-        QCOMPARE(onlineChanged[2][0].toString(), QStringLiteral("Ошибка соединения. "));
+        // A name that can't be found is a failed connection.
+        for (const auto& [url, reason] :
+             {std::pair("https://no-such-host.invalid", "Ошибка соединения. "),
+              std::pair("no-such-protocol://localhost", "Сайт недоступен. ")}) {
+            session().setIsOnline(true);
+            onlineChanged.clear();
+            setTestServiceUrl(QLatin1String(url));
+            client().requestActive(QStringLiteral("1"));
+            QTRY_COMPARE(onlineChanged.size(), 1);
+            QCOMPARE(onlineChanged[0][0].toString(), QString::fromUtf8(reason));
+        }
     }
 };
 

@@ -99,10 +99,10 @@ private slots:
         events.clear();
         m_session->setTasks(tasks, a);
         QCOMPARE(events, QStringList{QStringLiteral("a 5+1+6+0")});
-        m_session->setTasks({task("5"), moved, task("6"), unassignedTask()}, a);
-        QCOMPARE(takeNotices(),
-                 QStringList{
-                     QStringLiteral("9 Задача \"Задача 6\" более не является блокирующей -> 6")});
+        m_session->setTasks({task("5"), moved, Sample("6", "Иное").due(1), unassignedTask()}, a);
+        QCOMPARE(
+            takeNotices(),
+            QStringList{QStringLiteral("9 Задача \"Иное\" более не является блокирующей -> 6")});
     }
 
     // What a refresh does to the lists of other teams is as good as what the service sent.

@@ -232,10 +232,14 @@ private slots:
         const QStringList old = {
             QStringLiteral("/json12.old"),       QStringLiteral("/.tessaport.db"),
             QStringLiteral("/comments.data"),    QStringLiteral("/session.json"),
-            user + QStringLiteral("tasks.json"), user + QStringLiteral("team_17/a/.hidden")};
-        const QStringList kept = {QStringLiteral("/ajson"), QStringLiteral("/jsondir/x"),
-                                  QStringLiteral("/linked/x"), user + QStringLiteral("team_1/x"),
-                                  user + QStringLiteral("activity/json1")};
+            user + QStringLiteral("tasks.json"), user + QStringLiteral("team_17/a/.hidden"),
+            user + QStringLiteral("teams.json"), user + QStringLiteral("session.json")};
+        const QStringList kept = {QStringLiteral("/ajson"),
+                                  QStringLiteral("/jsondir/x"),
+                                  QStringLiteral("/linked/x"),
+                                  user + QStringLiteral("team_1/x"),
+                                  user + QStringLiteral("activity/json1"),
+                                  user + QStringLiteral("team_9/Отдел 1%/x")};
         for (const QString& name : old + kept)
             writeFile(dataPath(name), "x");
         QVERIFY(QFile::link(dataPath(QStringLiteral("/linked")),
