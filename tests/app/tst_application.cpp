@@ -15,6 +15,9 @@
 #include <QPainter>
 #include <QScreen>
 
+#include <iostream>
+#include <sstream>
+
 namespace {
 
 constexpr QRect panel(10, 10, 80, 60);
@@ -26,7 +29,7 @@ public:
     {
         setWindowFlags(Qt::Tool | Qt::FramelessWindowHint);
         setAttribute(Qt::WA_TranslucentBackground);
-        resize(100, 80);
+        resize(30, 30);
     }
 
 protected:
@@ -66,7 +69,11 @@ private slots:
     void logLines()
     {
         openLog(m_directory.filePath(QStringLiteral("log.log")));
+        std::ostringstream told;
+        std::streambuf* const standardOutput = std::cout.rdbuf(told.rdbuf());
         logMessageHandler(QtDebugMsg, m_context, QStringLiteral("Monitor started"));
+        std::cout.rdbuf(standardOutput);
+        QVERIFY(QByteArray::fromStdString(told.str()).endsWith("Z: Monitor started\n\r"));
         static QString previous;
         previousMessageHandler = [](QtMsgType, const QMessageLogContext&, const QString& message) {
             previous += message;
@@ -83,7 +90,7 @@ private slots:
         const QDateTime written = QDateTime::fromString(form.match(text).captured(1), Qt::ISODate);
         QVERIFY2(form.match(text).hasMatch(), qPrintable(text));
         QVERIFY2(qAbs(written.secsTo(QDateTime::currentDateTimeUtc())) < 60, qPrintable(text));
-        QVERIFY(!(logFile.permissions() & QFile::ReadOther)
+        QVERIFY(!(logFile.permissions() & (QFile::ReadGroup | QFile::ReadOther))
                 || QSysInfo::kernelType() == QLatin1String("winnt"));
         logFile.close();
     }
@@ -108,7 +115,10 @@ private slots:
         QCoreApplication::processEvents();
         QCOMPARE(QFontInfo(QLineEdit().font()).family(), QStringLiteral("PT Sans"));
         QCOMPARE(QApplication::palette().color(QPalette::Window), QColor(0xF5, 0xF3, 0xEE));
-        QVERIFY(!QApplication::windowIcon().isNull());
+        QCOMPARE(QApplication::palette().color(QPalette::Base), QColor(Qt::white));
+        const QList<QSize> iconSizes = QApplication::windowIcon().availableSizes();
+        QVERIFY(iconSizes.size() == 5 && iconSizes.contains({16, 16})
+                && iconSizes.contains({64, 64}));
         QVERIFY(!QDialog().windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
         // The theme that was asked for would tell anything.
         QMessageBox message(QMessageBox::Critical, {}, QStringLiteral("Ошибка"));
@@ -135,6 +145,8 @@ private slots:
         PanelWindow window, trayIcon;
         window.move(place);
         window.show();
+        for (PanelWindow* each : {&window, &trayIcon})
+            each->resize(100, 80);
         trayIcon.setWindowFlag(Qt::BypassWindowManagerHint);
         trayIcon.move(trayPlace);
         trayIcon.show();

@@ -151,6 +151,7 @@ void DesktopTest::findsWindows()
 
     QTRY_COMPARE(QxtWindowSystem::activeWindow(), upper.winId());
     QTRY_COMPARE(QxtWindowSystem::findWindow(title), lower.winId());
+    QVERIFY(QxtWindowSystem::windowTitles().contains(title));
     QCOMPARE(QxtWindowSystem::windowGeometry(lower.winId()), lower.frameGeometry());
     QCOMPARE(QxtWindowSystem::windowAt(upper.geometry().center()), upper.winId());
     QCOMPARE(QxtWindowSystem::windowAt(lower.geometry().bottomRight()), lower.winId());

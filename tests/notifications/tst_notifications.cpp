@@ -6,8 +6,10 @@
 #include "res/Resources.h"
 #include "session/DataDirectory.h"
 #include "support/FastClock.h"
+#include "support/Files.h"
 #include "support/TestMain.h"
 #include "support/TestServiceUrl.h"
+#include "update/ElevatedStart.h"
 #include "update/UpdateState.h"
 
 #include <QDesktopServices>
@@ -206,6 +208,15 @@ private slots:
         for (const char* versionFile : {"[{}]", "[{},{}]"})
             QCOMPARE(click(UpdateAvailable, update, versionFile),
                      goes + QStringLiteral("https://a.test/monitor/"));
+
+        // Unlike at the start, the update program is told nothing.
+        if (QSysInfo::kernelType() == QLatin1String("winnt"))
+            return;
+        QVERIFY(QDir::setCurrent(QDir::homePath()));
+        writeFile(updateProgram, "#!/bin/sh\necho $# >told\n");
+        QFile::setPermissions(updateProgram, QFile::ReadOwner | QFile::ExeOwner);
+        QCOMPARE(click(UpdateAvailable, update, "[{},{}]"), goes);
+        QTRY_COMPARE(contentOf(QStringLiteral("told")), QByteArray("0\n"));
     }
 
     /// Typing goes on beside a notice, and clicks on it beside a window that has to be answered.

@@ -5,6 +5,7 @@
 #include "platform/LastInput.h"
 #include "platform/Processes.h"
 #include "platform/StartupEntry.h"
+#include "platform/Termination.h"
 #include "support/Files.h"
 #include "support/TestMain.h"
 
@@ -12,6 +13,7 @@
 #include <QProcess>
 
 #include <cerrno>
+#include <csignal>
 
 // A file system on which a file can be given another name in the plain way only.
 
@@ -40,6 +42,7 @@ private slots:
     void waylandSession();
     void fileOfItsUserAlone();
     void plainRename();
+    void signalsEndTheProgram();
 
 private:
     static QString write(const QString& name, const QByteArray& content);
@@ -57,12 +60,21 @@ QString LinuxPlatformTest::write(const QString& name, const QByteArray& content)
 void LinuxPlatformTest::runningScript()
 {
     const QString name = QStringLiteral("tpmc-script-of-some-length.sh");
-    QProcess process;
-    process.start(write(name, "#!/bin/sh -e\nread line\n"), QStringList());
-    QTRY_VERIFY(platform::isProcessRunning(name));
-    process.closeWriteChannel();
-    QVERIFY(process.waitForFinished());
-    QVERIFY(!platform::isProcessRunning(name));
+    // Wine gives its programs their name, and the path as Windows has it.
+    const QString underWine = QStringLiteral("tpmc.exe");
+    const QPair<QString, QStringList> rows[] = {
+        {name, {write(name, "#!/bin/sh -e\nread line\n")}},
+        {underWine,
+         {QStringLiteral("sh"),
+          write(QStringLiteral("Z:\\tpmc.exe"), "printf tpmc.exe >/proc/$$/comm\nread line\n")}}};
+    for (const auto& [program, command] : rows) {
+        QProcess process;
+        process.start(command.constFirst(), command.mid(1));
+        QTRY_VERIFY(platform::isProcessRunning(program));
+        process.closeWriteChannel();
+        QVERIFY(process.waitForFinished());
+        QVERIFY(!platform::isProcessRunning(program));
+    }
 }
 
 void LinuxPlatformTest::startProgram()
@@ -170,6 +182,21 @@ void LinuxPlatformTest::plainRename()
     QCOMPARE(contentOf(free), QByteArray("from"));
     const platform::FileOutcome missing = platform::renameToFreeName(from, from + free);
     QVERIFY(!missing.succeeded() && !missing.isNameTaken);
+}
+
+void LinuxPlatformTest::signalsEndTheProgram()
+{
+    int ends = 0, expected = 0;
+    // Who starts it with one of them ignored wants it ignored.
+    for (const auto hangUp : {SIG_IGN, SIG_DFL}) {
+        std::signal(SIGHUP, hangUp);
+        platform::watchTermination(this, [&ends] { ++ends; });
+        for (const int signal : {SIGHUP, SIGTERM, SIGINT}) {
+            std::raise(signal);
+            expected += signal != SIGHUP || hangUp == SIG_DFL;
+            QTRY_COMPARE(ends, expected);
+        }
+    }
 }
 
 TESSAPORT_TEST_MAIN(LinuxPlatformTest, QGuiApplication)
