@@ -185,6 +185,13 @@ void MainForm::onTaskUpdated(QString teamId)
 
 void MainForm::updateForNewLogin()
 {
+    // The answer may come when the sign-in has been closed, and the monitor started again. The
+    // minute under way is not the new user's.
+    if (m_activityTimer.isActive()) {
+        const bool wasRunning = m_tessaPort->session()->active();
+        stopTracking();
+        m_tessaPort->session()->setActive(wasRunning);
+    }
     onTaskChange();
     // It still offers the tasks of the earlier user, which the new one must not report on.
     if (m_taskForm->isVisible())

@@ -114,6 +114,19 @@ private slots:
         QVERIFY(strip.look().contains(QLatin1String(" pbTask ")));
     }
 
+    // Whose session was saved as running.
+    void anotherUserInMidMinute()
+    {
+        Strip strip(true);
+        strip.slotsPass(9, {0});
+        emit strip.service->loginOk();
+        QVERIFY(strip.session->active() && strip.play->isChecked());
+        strip.slotsPass(9);
+        QVERIFY(strip.reports().isEmpty());
+        strip.slotsPass(1);
+        QCOMPARE(strip.reports(), QList<int>({-1, 0}));
+    }
+
     void noTask()
     {
         // Also when it was saved as running.
