@@ -215,6 +215,9 @@ void MainForm::closeTask(QString task_id)
 
 void MainForm::updateComments()
 {
+    // The tray that it was hidden in may have ended since.
+    if (!isVisible() && !QSystemTrayIcon::isSystemTrayAvailable())
+        showMinimized();
     m_tessaPort->requestTeamsAndTasks();
 }
 

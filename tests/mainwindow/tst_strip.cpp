@@ -189,6 +189,10 @@ private slots:
             QVERIFY(strip.form->isVisible() && !strip.form->isMinimized() && list->isVisible());
             QCOMPARE(toggle->text(), QStringLiteral("Спрятать"));
         }
+        // The tray has ended since it was hidden there.
+        strip.form->hide();
+        strip.invoke("updateComments");
+        QCOMPARE(strip.form->isMinimized(), !hasTray);
     }
 
     void opensItsWindows()
