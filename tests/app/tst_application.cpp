@@ -116,6 +116,8 @@ private slots:
         QCOMPARE(QFontInfo(QLineEdit().font()).family(), QStringLiteral("PT Sans"));
         QCOMPARE(QApplication::palette().color(QPalette::Window), QColor(0xF5, 0xF3, 0xEE));
         QCOMPARE(QApplication::palette().color(QPalette::Base), QColor(Qt::white));
+        QCOMPARE(QApplication::palette().color(QPalette::Disabled, QPalette::Text),
+                 QColor(0x9A, 0x97, 0x91));
         const QList<QSize> iconSizes = QApplication::windowIcon().availableSizes();
         QVERIFY(iconSizes.size() == 5 && iconSizes.contains({16, 16})
                 && iconSizes.contains({64, 64}));

@@ -31,7 +31,7 @@ TaskInfo fullInfo()
                   {{}, {}, QStringLiteral("a"), QStringLiteral("1023")},
                   {{}, {}, QStringLiteral("b"), QStringLiteral("2251799813685248")}};
     TextTask first;
-    first.title = QStringLiteral("Первый");
+    first.title = QStringLiteral("<b>Первый");
     first.page = QUrl(QStringLiteral("https://a.org/?b=1&copy=2"));
     first.task = QStringLiteral("О нас");
     first.minCount = QStringLiteral("2500");
@@ -40,13 +40,13 @@ TaskInfo fullInfo()
     TextTask second;
     second.page = QUrl(QStringLiteral("https://b.org/?q=\"><h1>x</h1>"));
     TextTask third;
-    third.page = QUrl(QStringLiteral("file:///etc/passwd"));
+    third.page = QUrl(QStringLiteral("file:///etc/a&b"));
     info.texts = {first, second, third};
     return info;
 }
 
 /// The texts of the labels in a list's rows, those of one row separated by "|", and a plus behind
-/// those that a tool tip tells, too.
+/// those that a tool tip tells, too. A row that stands on the next one is told as such.
 QStringList rowTexts(const QListWidget* list)
 {
     QStringList texts;
@@ -57,7 +57,9 @@ QStringList rowTexts(const QListWidget* list)
             if (!qobject_cast<const QPushButton*>(part))
                 row << text + QLatin1String(part->toolTip() == plainToolTip(text) ? "+" : "");
         }
-        texts << row.join(QLatin1Char('|'));
+        const bool isTooHigh =
+            list->itemWidget(list->item(i))->sizeHint().height() > list->gridSize().height();
+        texts << row.join(QLatin1Char('|')) + QLatin1String(isTooHigh ? " too high" : "");
     }
     return texts;
 }
@@ -259,12 +261,14 @@ private slots:
         QCOMPARE(text("lbUrl").count(QLatin1Char('"')), 4);
         QCOMPARE(text("lbUrl").count(QLatin1Char('<')), 2);
         child<QComboBox>("cbTexts")->setCurrentIndex(2);
-        QCOMPARE(text("lbUrl"), QStringLiteral("URL: file:///etc/passwd"));
+        QCOMPARE(text("lbUrl"), QStringLiteral("URL: file:///etc/a&amp;b"));
 
         m_description->updateTask(fullInfo());
         QCOMPARE(showsTexts(), QVariant(true));
         QCOMPARE(child<QComboBox>("cbTexts")->count(), 3);
-        QCOMPARE(child<QComboBox>("cbTexts")->currentText(), QStringLiteral("Первый"));
+        QCOMPARE(child<QComboBox>("cbTexts")->currentText(), QStringLiteral("<b>Первый"));
+        QCOMPARE(child<QComboBox>("cbTexts")->currentData(Qt::ToolTipRole).toString(),
+                 plainToolTip(QStringLiteral("<b>Первый")));
         QVERIFY(text("lbUrl").contains(QStringLiteral("https://a.org")));
         child<QPushButton>("pbMainInfo")->click();
         QCOMPARE(showsTexts(), QVariant(false));
