@@ -153,8 +153,9 @@ private slots:
         const Task blocking = task("9", 0, "1");
         strip.session->setTasks({blocking}, QStringLiteral("18"));
         QVERIFY(strip.session->active());
-        strip.session->setTasks({task("1"), blocking}, teamId);
+        strip.session->setTasks({task("1", 1), blocking}, teamId);
         QVERIFY(!strip.session->active() && !strip.play->isChecked());
+        QVERIFY(strip.look().contains(QLatin1String(" pbTask ")));
         strip.session->setTaskID(QStringLiteral("1"));
         QVERIFY(strip.session->taskID().isEmpty());
         strip.session->setTaskID(blocking.id);

@@ -167,6 +167,7 @@ private slots:
         QVERIFY(list);
         const std::function<void()> ways[] = {
             [&] { static_cast<QPushButton*>(strip.part("pbMinimize"))->click(); },
+            [&] { strip.invoke("on_actionToggleVisible_triggered"); },
             [&] {
                 // The key that is on its way to a dialog would close it.
                 QKeyEvent key(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
@@ -209,12 +210,15 @@ private slots:
         QVERIFY(!list->isVisible());
 
         // A pick counts when it is confirmed.
+        strip.session->setTasks({task("1"), task("2", 1), unassignedTask()}, teamId);
         for (const bool isConfirmed : {false, true}) {
             strip.press("lbTask");
             auto* picker = visibleForm<TaskForm>();
             QVERIFY(picker);
             QCOMPARE(picker->selectedTaskId(), QStringLiteral("1"));
-            picker->findChild<QComboBox*>(QStringLiteral("cbTask"))->setCurrentIndex(1);
+            auto* const tasks = picker->findChild<QComboBox*>(QStringLiteral("cbTask"));
+            QCOMPARE(nameOf(tasks->itemIcon(1)), QStringLiteral("pbTaskUrgentGrey"));
+            tasks->setCurrentIndex(1);
             QVERIFY(QTest::qWaitForWindowExposed(picker));
             strip.session->setTeamID(QString());
             isConfirmed ? picker->accept() : picker->reject();

@@ -281,6 +281,11 @@ private slots:
             QCOMPARE(shownTexts(), QStringList(texts.mid(0, room(height))));
             QTRY_VERIFY(standAbove(height));
         }
+        // A new one knows the window, too.
+        cleanup();
+        mainForm.show();
+        show(QString(), TaskAdded);
+        QVERIFY(standAbove(250));
     }
 
     void marksFollowNotices()

@@ -66,6 +66,9 @@ private slots:
         for (const char* line :
              {"\nforceUpdate=false", "\nwasUpdated=false", "\nupdateAtStartup=true"})
             QVERIFY2(contentOf(path).contains(line), line);
+        // A value that makes the file no longer.
+        writeFile(path, contentOf(path).replace("forceUpdate=false", "forceUpdate=true "), 60);
+        QVERIFY(m_state.forceUpdate());
     }
 
     void leavesOutDamagedValue()
