@@ -88,6 +88,7 @@ bool standAbove(int height)
 /// Keeps what its attention marks were told to be.
 struct MainForm : AbstractMainForm {
     MainForm() { manager()->setMainForm(this); }
+    ~MainForm() override { manager()->setMainForm(nullptr); }
     TessaPort* service() const override { return nullptr; }
     QIcon taskIcon(const Task&) const override { return {}; }
     void updateAttention() override { marks.append(manager()->hasNotifications()); }
