@@ -12,9 +12,6 @@
 
 namespace {
 
-/// From so many waiting notices on, none waits twice.
-constexpr int plenty = 100;
-
 /// The notice as it waits; its window is hidden and deleted later.
 Notice withoutWindow(NotificationForm* form)
 {
@@ -58,10 +55,7 @@ void NotificationManager::show(const QString& message, int type, const QString& 
         removeUpdateNotices();
     const Notice notice{message, type, taskId};
     if (!hasRoom()) {
-        // A service that refuses something each minute would leave hours of the same words to
-        // whoever comes back after days.
-        if (m_pendingNotices.size() < plenty || !m_pendingNotices.contains(notice))
-            m_pendingNotices.append(notice);
+        m_pendingNotices.append(notice);
         return;
     }
     showForm(notice);

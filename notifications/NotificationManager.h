@@ -24,10 +24,10 @@ public:
     /// attention marks follow them. Not owned; null when there is none.
     void setMainForm(AbstractMainForm* mainForm);
 
-    /// Shows a notice, or keeps it waiting when the screen is full; where a hundred wait, one like
-    /// a waiting one is dropped. The type is a NotificationType; the message is for most types a
-    /// title. A click on the notice leads to the task of this id; empty: nowhere. A notice of an
-    /// update takes the place of an earlier one, shown or waiting.
+    /// Shows a notice, or keeps it waiting when the screen is full. The type is a
+    /// NotificationType; the message is for most types a title. A click on the notice leads to
+    /// the task of this id; empty: nowhere. A notice of an update takes the place of an earlier
+    /// one, shown or waiting.
     void show(const QString& message, int type, const QString& taskId);
     /// The same for a notice that is its message, and that leads nowhere.
     void showPlain(const QString& message);

@@ -23,11 +23,6 @@ struct Notice {
     QString message; ///< for most types a title
     int type = PlainNotification; ///< a NotificationType
     QString taskId; ///< where a click leads; empty: nowhere
-
-    bool operator==(const Notice& other) const
-    {
-        return message == other.message && type == other.type && taskId == other.taskId;
-    }
 };
 
 /// The text of a notice; a type that is not listed above counts as plain, which is the message

@@ -108,8 +108,6 @@ QNetworkReply* TessaPort::tagged(QNetworkReply* reply, Stage stage)
 
 void TessaPort::replyFinished(QNetworkReply* reply)
 {
-    if (reply->property("stage").toInt() == Details)
-        m_awaitedDetails.remove(reply->property("task_id").toString());
     ResultCode code = ExchangeSucceeded;
     if (reply->error() == QNetworkReply::NoError) {
         const Endpoint* endpoint = endpointOf(reply->property("stage").toInt());

@@ -9,7 +9,6 @@
 #include <QHash>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
-#include <QSet>
 #include <QSslError>
 
 class QFile;
@@ -169,7 +168,6 @@ private:
     QNetworkAccessManager m_manager;
     QString m_lastPicture;
     QElapsedTimer m_sinceLastPicture;
-    QSet<QString> m_awaitedDetails; ///< ids of tasks, asked for and not yet answered
     int m_pendingReports = 0; ///< posted and not yet answered
     WaitingReports m_waitingReports;
     QHash<QNetworkReply*, UnwrittenReport> m_unwrittenReports; ///< by what they wait for

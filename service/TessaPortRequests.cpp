@@ -12,10 +12,6 @@
 
 namespace {
 
-// What is left goes with the next refresh. A hundred thousand questions at once would fill the
-// memory, and hold the program up for minutes.
-constexpr int mostAwaited = 1000;
-
 // What is typed has to arrive as typed: a query takes "%41" for an A that is encoded already, and
 // services take a bare plus for a blank.
 void addItem(QUrlQuery& query, const QString& key, QString value)
@@ -65,7 +61,6 @@ void TessaPort::handleLogin(QNetworkReply* reply)
     session()->load(loginSession()->login(), loginSession()->password());
     session()->setLogged(true);
     removeUnfinished();
-    m_awaitedDetails.clear();
     loginSession()->reset();
     emit loginOk();
 }
@@ -89,17 +84,13 @@ void TessaPort::handleTeamsAndTasks(QNetworkReply* reply)
 void TessaPort::parseTeamsAndTasks(const QByteArray& data)
 {
     QList<Team> teams;
-    // Refreshes whose answers were held up come together, and would ask for thousands of tasks as
-    // often over.
-    const QSet<QString> awaited = m_awaitedDetails;
     const QList<ServiceReply::TeamWithTasks> entries = ServiceReply::teamsAndTasks(data);
     for (const ServiceReply::TeamWithTasks& entry : entries) {
         teams.append(entry.team);
         session()->setTasks(entry.tasks, entry.team.id);
         for (const Task& task : entry.tasks) {
             const bool isCached = !session()->taskInfo(task.id).id.isEmpty();
-            if (!isCached && entry.team.id != teamWithoutDeadlines && !awaited.contains(task.id)
-                && m_awaitedDetails.size() < mostAwaited)
+            if (!isCached && entry.team.id != teamWithoutDeadlines)
                 requestTaskInfo(task.id);
         }
     }
@@ -115,7 +106,6 @@ void TessaPort::requestTaskInfo(const QString& taskId)
     QUrlQuery query = credentials(*session());
     addItem(query, QStringLiteral("task_id"), taskId);
     get(Details, query)->setProperty("task_id", taskId);
-    m_awaitedDetails.insert(taskId);
 }
 
 void TessaPort::handleTaskInfo(QNetworkReply* reply)

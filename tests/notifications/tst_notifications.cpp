@@ -162,20 +162,6 @@ private slots:
         }
     }
 
-    void sayTheSameAHundredTimesAtMost()
-    {
-        showMany(room());
-        for (int i = 0; i < 150; ++i)
-            manager()->show(QStringLiteral("same"), TaskAdded, QStringLiteral("1"));
-        manager()->show(QStringLiteral("same"), TaskAdded, QStringLiteral("2"));
-        int waiting = 0;
-        for (manager()->closeAll(); manager()->hasNotifications(); manager()->closeAll()) {
-            manager()->showPending();
-            waiting += shownNotices().size();
-        }
-        QCOMPARE(waiting, 101);
-    }
-
     void scrollsOnlyDown()
     {
         const auto* text = show(QString(10000, QLatin1Char('W')), 0)->findChild<QTextEdit*>();
