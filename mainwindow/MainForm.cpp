@@ -36,6 +36,11 @@ MainForm::MainForm(TessaPort* service, QWidget* parent)
     m_taskListForm = new TaskListForm(m_tessaPort, this, this);
     m_taskForm = std::make_unique<TaskForm>(this, nullptr);
     connect(m_taskForm.get(), &TaskForm::accepted, this, &MainForm::onTaskFormAccepted);
+    // Open, it still offers the tasks of the earlier user, which the new one must not report on.
+    connect(m_tessaPort, &TessaPort::loginOk, m_taskForm.get(), [this] {
+        if (m_taskForm->isVisible())
+            m_taskForm->reload();
+    });
     m_aboutForm = std::make_unique<AboutForm>(m_tessaPort, nullptr);
     NotificationManager::instance()->setMainForm(this);
     onTaskChange();
@@ -89,6 +94,7 @@ void MainForm::setupTimers()
 
 void MainForm::setupConnections()
 {
+    connect(m_tessaPort, &TessaPort::loginOk, this, &MainForm::endEarlierUsersMinute);
     connect(m_tessaPort, &TessaPort::loginOk, this, &MainForm::updateForNewLogin);
     // The clock is to show the new user's day, which may have no counters to tell of.
     connect(m_tessaPort, &TessaPort::loginOk, this, &MainForm::updateTimerLbl);

@@ -107,6 +107,9 @@ private:
     bool isUpdateProcessRunning() const;
     /// Shows the button as pressed or not, without starting or stopping anything.
     void showPlayState(bool isRunning);
+    /// The answer to a sign-in may come when its window has been closed and the monitor started
+    /// again: the minute under way is not the new user's.
+    void endEarlierUsersMinute();
     /// Sends a picture of the desktop if one is due or forced.
     void takeScreenshot(bool force);
 

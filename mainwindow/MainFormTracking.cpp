@@ -4,7 +4,6 @@
 #include "capture/DesktopGrab.h"
 #include "dialogs/PlainToolTip.h"
 #include "dialogs/ScrollText.h"
-#include "dialogs/TaskForm.h"
 #include "mainwindow/TimeText.h"
 #include "notifications/NotificationManager.h"
 #include "platform/Processes.h"
@@ -183,19 +182,18 @@ void MainForm::onTaskUpdated(QString teamId)
         onTaskChange();
 }
 
+void MainForm::endEarlierUsersMinute()
+{
+    if (!m_activityTimer.isActive())
+        return;
+    const bool wasRunning = m_tessaPort->session()->active();
+    stopTracking();
+    m_tessaPort->session()->setActive(wasRunning);
+}
+
 void MainForm::updateForNewLogin()
 {
-    // The answer may come when the sign-in has been closed, and the monitor started again. The
-    // minute under way is not the new user's.
-    if (m_activityTimer.isActive()) {
-        const bool wasRunning = m_tessaPort->session()->active();
-        stopTracking();
-        m_tessaPort->session()->setActive(wasRunning);
-    }
     onTaskChange();
-    // It still offers the tasks of the earlier user, which the new one must not report on.
-    if (m_taskForm->isVisible())
-        m_taskForm->reload();
 }
 
 void MainForm::closeTask(QString task_id)
